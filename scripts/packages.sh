@@ -1,0 +1,13 @@
+# The Debian packages of each command, sourced by ./run and ./test.
+# shellcheck disable=SC2034
+build_packages=(
+    cmake ninja-build g++ pkgconf
+    qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-odbc libqt6sql6-psql
+    unixodbc-dev libcurl4-openssl-dev
+)
+run_packages=(
+    xvfb xauth fonts-nanum libsqliteodbc odbc-postgresql
+)
+test_packages=(
+    postgresql libsqliteodbc odbc-postgresql python3 xvfb xauth fonts-nanum
+)

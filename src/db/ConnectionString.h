@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+
+namespace sable {
+
+// The pieces of an ADO-style "key=value;" connection string. Keys are kept in lower case.
+class ConnectionString
+{
+public:
+    static ConnectionString parse(const QString& text);
+
+    QString value(const QString& key) const { return m_values.value(key.toLower()); }
+    bool has(const QString& key) const { return m_values.contains(key.toLower()); }
+    const QString& text() const { return m_text; }
+
+private:
+    QString m_text;
+    QMap<QString, QString> m_values;
+};
+
+// How Qt reaches the database that a connection string names.
+struct DbTarget
+{
+    QString driver; // "QODBC", "QSQLITE" or "QPSQL"; empty when the string names nothing we can open
+    QString databaseName;
+    QString host;
+    int port = -1;
+    QString user;
+    QString password;
+    QString connectOptions;
+    QString problem; // why `driver` is empty
+};
+
+// Maps a connection string to a Qt driver: DSN= and DRIVER= strings go to ODBC as they stand,
+// Provider=sqloledb to ODBC with the SQL Server driver named `sqlServerOdbcDriver`, the Jet and ACE
+// providers to the Access ODBC driver, Provider=SQLite to the embedded engine and
+// Provider=PostgreSQL to the PostgreSQL client.
+DbTarget resolveConnectionString(const QString& text, const QString& sqlServerOdbcDriver);
+
+// "Provider=SQLite;Data Source=..." for the embedded database file.
+QString sqliteConnectionString(const QString& path);
+
+} // namespace sable

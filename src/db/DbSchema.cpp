@@ -1,0 +1,166 @@
+#include "db/DbSchema.h"
+
+#include "db/DbConnection.h"
+
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlRecord>
+
+namespace sable::DbSchema {
+namespace {
+
+struct Column
+{
+    const char* name;
+    int textLength; // 0 for an integer column
+};
+
+struct Table
+{
+    const char* name;
+    std::vector<Column> columns;
+};
+
+const std::vector<Table>& tables()
+{
+    static const std::vector<Table> all = {
+        {"SD_Group", {{"K_GroupID", 0}, {"GroupName", 100}, {"K_GroupID_P", 0}, {"Position", 0}, {"Depth", 0}}},
+        {"SD_Member",
+            {{"K_MemberID", 0}, {"MemberID", 50}, {"MemberName", 50}, {"Passwd", 50}, {"Gender", 0}, {"bPublic", 0},
+                {"Email", 200}, {"HP", 50}, {"Address", 255}, {"HomePhone", 50}, {"OfficePhone", 50}, {"BirthDay", 50},
+                {"Description", 1000}, {"bSolar", 0}, {"bAdmin", 0}}},
+        {"SD_Relation", {{"K_MemberID", 0}, {"K_GroupID", 0}, {"K_RankID", 0}, {"Position", 0}}},
+        {"SD_Rank", {{"K_RankID", 0}, {"RankName", 100}}},
+        {"SD_Antenna", {{"K_MemberID", 0}, {"K_MemberID_O", 0}}},
+        {"SD_MyMember", {{"K_MemberID", 0}, {"K_MemberID_O", 0}, {"K_MyGroupID", 0}}},
+        {"SD_MyGroup", {{"K_MemberID", 0}, {"K_MyGroupID", 0}, {"MyGroupName", 100}}},
+        {"SD_LeavedMemo", {{"K_MemberID", 0}, {"K_MemberID_O", 0}, {"Memo", 1000}}},
+        {"SB_Folder", {{"K_FolderID", 0}, {"FolderPath", 260}}},
+        {"SB_GroupAuthority", {{"K_FolderID", 0}, {"K_GroupID", 0}, {"Authority", 1}}},
+        {"SB_UserAuthority", {{"K_FolderID", 0}, {"K_MemberID", 0}, {"Authority", 1}}},
+    };
+    return all;
+}
+
+QString columnType(const Column& column, Dialect dialect)
+{
+    if (column.textLength == 0)
+        return QStringLiteral("INTEGER");
+    switch (dialect) {
+    case Dialect::Sqlite:
+        return QStringLiteral("TEXT");
+    case Dialect::SqlServer:
+        return QStringLiteral("NVARCHAR(%1)").arg(column.textLength);
+    case Dialect::PostgreSql:
+    case Dialect::Other:
+        break;
+    }
+    return QStringLiteral("VARCHAR(%1)").arg(column.textLength);
+}
+
+// The rank table keeps its order in the row order where the engine returns rows that way (the
+// embedded engine does); elsewhere it gets a counter column that numbers rows as they are inserted.
+QString rankOrderDefinition(Dialect dialect)
+{
+    switch (dialect) {
+    case Dialect::PostgreSql:
+        return rankOrderColumn() + QStringLiteral(" BIGSERIAL");
+    case Dialect::SqlServer:
+        return rankOrderColumn() + QStringLiteral(" BIGINT IDENTITY(1,1)");
+    case Dialect::Sqlite:
+    case Dialect::Other:
+        break;
+    }
+    return {};
+}
+
+QString createStatement(const Table& table, Dialect dialect)
+{
+    QStringList columns;
+    for (const Column& column : table.columns) {
+        columns << QStringLiteral("%1 %2 NULL").arg(QLatin1String(column.name), columnType(column, dialect));
+    }
+    if (QLatin1String(table.name) == QLatin1String("SD_Rank")) {
+        const QString order = rankOrderDefinition(dialect);
+        if (!order.isEmpty())
+            columns << order;
+    }
+    return QStringLiteral("CREATE TABLE %1 (%2)").arg(QLatin1String(table.name), columns.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+const QStringList& tableNames()
+{
+    static const QStringList names = [] {
+        QStringList out;
+        for (const Table& table : tables())
+            out << QLatin1String(table.name);
+        return out;
+    }();
+    return names;
+}
+
+Dialect dialectOf(const DbConnection& connection)
+{
+    const QString driver = connection.driverName();
+    if (driver == QLatin1String("QSQLITE"))
+        return Dialect::Sqlite;
+    if (driver == QLatin1String("QPSQL"))
+        return Dialect::PostgreSql;
+    if (driver != QLatin1String("QODBC"))
+        return Dialect::Other;
+    const QString odbc = connection.database().databaseName().toLower();
+    if (odbc.contains(QLatin1String("sqlite")))
+        return Dialect::Sqlite;
+    if (odbc.contains(QLatin1String("postgres")))
+        return Dialect::PostgreSql;
+    if (odbc.contains(QLatin1String("sql server")) || odbc.contains(QLatin1String("freetds")))
+        return Dialect::SqlServer;
+    return Dialect::Other;
+}
+
+QStringList existingTables(const DbConnection& connection)
+{
+    const QStringList present = connection.tables();
+    QStringList out;
+    for (const QString& name : tableNames()) {
+        if (present.contains(name, Qt::CaseInsensitive))
+            out << name;
+    }
+    return out;
+}
+
+QStringList createMissingTables(DbConnection& connection, bool* ok)
+{
+    *ok = connection.isOpen();
+    QStringList created;
+    if (!*ok)
+        return created;
+    const QStringList present = existingTables(connection);
+    const Dialect dialect = dialectOf(connection);
+    for (const Table& table : tables()) {
+        const QString name = QLatin1String(table.name);
+        if (present.contains(name))
+            continue;
+        if (!connection.executeNoRecords(createStatement(table, dialect))) {
+            *ok = false;
+            return created;
+        }
+        created << name;
+    }
+    return created;
+}
+
+QString rankOrderColumn()
+{
+    return QStringLiteral("RankOrder");
+}
+
+bool hasRankOrderColumn(DbConnection& connection)
+{
+    const QSqlRecord record = connection.database().record(QStringLiteral("SD_Rank"));
+    return record.contains(rankOrderColumn()) || record.contains(rankOrderColumn().toLower());
+}
+
+} // namespace sable::DbSchema

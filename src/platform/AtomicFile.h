@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace sable::AtomicFile {
+
+enum class ReadStatus
+{
+    Ok,
+    Missing,
+    Unreadable,
+};
+
+struct Contents
+{
+    ReadStatus status = ReadStatus::Missing;
+    QByteArray bytes;
+};
+
+Contents read(const QString& path);
+
+// Reads the file, lets `change` compute its new contents and replaces it through a temporary file
+// and a rename, all under an advisory lock that every program of the server takes for that file.
+// `change` returns nullopt to leave the file as it is. A file that exists but cannot be read is never
+// replaced: a settings file must not be truncated because a read failed.
+bool update(const QString& path, const std::function<std::optional<QByteArray>(const Contents&)>& change);
+
+} // namespace sable::AtomicFile

@@ -1,0 +1,139 @@
+#include "platform/IniFile.h"
+
+#include "platform/AtomicFile.h"
+#include "platform/CodePage949.h"
+#include "platform/SectionedText.h"
+
+#include <optional>
+
+namespace sable {
+namespace {
+
+#ifdef Q_OS_WIN
+const QByteArray kNativeEol("\r\n");
+#else
+const QByteArray kNativeEol("\n");
+#endif
+
+class IniSyntax final : public SectionedSyntax
+{
+public:
+    std::optional<QString> sectionName(QByteArrayView line) const override
+    {
+        const QByteArrayView text = line.trimmed();
+        if (!text.startsWith('['))
+            return std::nullopt;
+        const qsizetype close = text.indexOf(']');
+        if (close < 0)
+            return std::nullopt;
+        return QString::fromUtf8(text.sliced(1, close - 1).trimmed());
+    }
+
+    std::optional<QString> entryName(QByteArrayView line) const override
+    {
+        const QByteArrayView text = line.trimmed();
+        if (text.isEmpty() || text.startsWith(';') || text.startsWith('['))
+            return std::nullopt;
+        const qsizetype equals = text.indexOf('=');
+        if (equals < 0)
+            return std::nullopt;
+        return QString::fromUtf8(text.first(equals).trimmed());
+    }
+};
+
+const IniSyntax& iniSyntax()
+{
+    static const IniSyntax syntax;
+    return syntax;
+}
+
+std::optional<QString> lookUp(const QString& path, const QString& section, const QString& key)
+{
+    const AtomicFile::Contents contents = AtomicFile::read(path);
+    if (contents.status != AtomicFile::ReadStatus::Ok)
+        return std::nullopt;
+    SectionedText text(iniSyntax(), kNativeEol);
+    text.parse(contents.bytes);
+    const std::optional<QByteArray> line = text.entryText(section, key);
+    if (!line)
+        return std::nullopt;
+    QByteArrayView value = QByteArrayView(*line).sliced(line->indexOf('=') + 1).trimmed();
+    if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front())
+        value = value.sliced(1, value.size() - 2);
+    return QString::fromUtf8(value);
+}
+
+int digitValue(QChar ch)
+{
+    const char16_t c = ch.toLower().unicode();
+    if (c >= u'0' && c <= u'9')
+        return c - u'0';
+    if (c >= u'a' && c <= u'z')
+        return c - u'a' + 10;
+    return -1;
+}
+
+// Reads a number the way the system's string-to-integer routine does: optional blanks and sign,
+// then decimal digits or a 0x / 0o / 0b prefixed number, stopping at the first other character.
+int leadingNumber(QStringView text)
+{
+    qsizetype i = 0;
+    while (i < text.size() && text[i].isSpace())
+        ++i;
+    bool negative = false;
+    if (i < text.size() && (text[i] == u'-' || text[i] == u'+'))
+        negative = text[i++] == u'-';
+    int base = 10;
+    if (i + 1 < text.size() && text[i] == u'0') {
+        const QChar marker = text[i + 1].toLower();
+        base = marker == u'x' ? 16 : marker == u'o' ? 8 : marker == u'b' ? 2 : 10;
+        if (base != 10)
+            i += 2;
+    }
+    quint32 value = 0;
+    for (; i < text.size(); ++i) {
+        const int digit = digitValue(text[i]);
+        if (digit < 0 || digit >= base)
+            break;
+        value = value * static_cast<quint32>(base) + static_cast<quint32>(digit);
+    }
+    return static_cast<int>(negative ? 0u - value : value);
+}
+
+} // namespace
+
+IniFile::IniFile(QString path)
+    : m_path(std::move(path))
+{ }
+
+QString IniFile::readString(
+    const QString& section, const QString& key, const QString& defaultValue, int bufferBytes) const
+{
+    const QString value = lookUp(m_path, section, key).value_or(defaultValue);
+    return CodePage949::truncated(value, qMax(0, bufferBytes - 1));
+}
+
+int IniFile::readInt(const QString& section, const QString& key, int defaultValue) const
+{
+    const std::optional<QString> value = lookUp(m_path, section, key);
+    if (!value || value->isEmpty())
+        return defaultValue;
+    return leadingNumber(*value);
+}
+
+bool IniFile::writeString(const QString& section, const QString& key, const QString& value) const
+{
+    return AtomicFile::update(m_path, [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
+        SectionedText text(iniSyntax(), kNativeEol);
+        text.parse(current.bytes);
+        const QByteArray header = '[' + section.toUtf8() + ']';
+        QByteArray keyText = key.toUtf8();
+        // An existing key keeps the spelling it has in the file.
+        if (const auto existing = text.entryText(section, key))
+            keyText = existing->first(existing->indexOf('=')).trimmed();
+        text.setEntry(section, header, key, keyText + '=' + value.toUtf8());
+        return text.serialize();
+    });
+}
+
+} // namespace sable

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/RegistryBackend.h"
+
+#include <QString>
+
+namespace sable {
+
+// The registry kept as one text file per root key in the format of regedit exports, so that
+// settings move to and from a Windows machine with regedit. Each write replaces the file atomically
+// under an advisory lock, so two programs that write at once both keep their values.
+class RegFileBackend final : public RegistryBackend
+{
+public:
+    RegFileBackend(QString localMachineFile, QString currentUserFile);
+
+    QString fileOf(RegRoot root) const;
+
+    bool keyExists(RegRoot root, const std::string& path) override;
+    bool createKey(RegRoot root, const std::string& path) override;
+    std::optional<std::string> readString(
+        RegRoot root, const std::string& path, const std::string& name, std::size_t bufferBytes) override;
+    std::optional<std::uint32_t> readDword(RegRoot root, const std::string& path, const std::string& name) override;
+    bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value) override;
+    bool writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value) override;
+
+private:
+    std::optional<QByteArray> valueText(RegRoot root, const std::string& path, const std::string& name) const;
+    bool writeValue(RegRoot root, const std::string& path, const std::string& name, const QByteArray& data);
+
+    QString m_localMachineFile;
+    QString m_currentUserFile;
+};
+
+} // namespace sable

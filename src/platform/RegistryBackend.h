@@ -1,0 +1,41 @@
+#pragma once
+
+// Standard C++ only: the Windows backend and its tests are built without Qt.
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace sable {
+
+enum class RegRoot
+{
+    LocalMachine,
+    CurrentUser,
+};
+
+// The registry operations the console uses. Paths and values are UTF-8; key paths ignore case.
+class RegistryBackend
+{
+public:
+    virtual ~RegistryBackend() = default;
+
+    virtual bool keyExists(RegRoot root, const std::string& path) = 0;
+    // Creates the key and every missing key above it; true when it exists afterwards.
+    virtual bool createKey(RegRoot root, const std::string& path) = 0;
+
+    // A string value read into a buffer of `bufferBytes`: nullopt when the key or the value is
+    // missing, the value is not a string, or the value and its terminating zero do not fit.
+    virtual std::optional<std::string> readString(
+        RegRoot root, const std::string& path, const std::string& name, std::size_t bufferBytes)
+        = 0;
+    virtual std::optional<std::uint32_t> readDword(RegRoot root, const std::string& path, const std::string& name) = 0;
+
+    // Writes into an existing key; false when the key is missing or the write failed.
+    virtual bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value)
+        = 0;
+    virtual bool writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value) = 0;
+};
+
+} // namespace sable

@@ -1,0 +1,332 @@
+// DbConnection against real engines: SQLite files (directly and through its ODBC driver) and the
+// PostgreSQL server of the test fixture (directly and through its ODBC driver).
+
+#include "TestSupport.h"
+#include "db/ConnectionString.h"
+#include "db/DbConnection.h"
+#include "db/DbSchema.h"
+#include "platform/RegFileBackend.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace sable;
+
+namespace {
+
+QString sqliteOdbc(const QString& path)
+{
+    return QStringLiteral("DRIVER=SQLite3;Database=%1;").arg(path);
+}
+
+} // namespace
+
+class TestDbConnection : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void resolve_data();
+    void resolve();
+
+    void engines_data();
+    void engines();
+
+    void errorText_data();
+    void errorText();
+    void emptyConnection();
+    void registryOrDefault();
+
+    void schemaNeverTouchesExistingTables_data();
+    void schemaNeverTouchesExistingTables();
+
+private:
+    void addEngineRows();
+    TempHome m_home;
+    PgServer m_pg;
+};
+
+void TestDbConnection::initTestCase()
+{
+    m_pg = PgServer::fromFixture();
+}
+
+void TestDbConnection::resolve_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("driver");
+    QTest::addColumn<QString>("databaseName");
+    QTest::addColumn<QString>("user");
+
+    QTest::newRow("dsn") << "DSN=Sable;UID=sa;PWD=x;"
+                         << "QODBC"
+                         << "DSN=Sable;UID=sa;PWD=x;"
+                         << "";
+    QTest::newRow("access file")
+        << "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=C:\\Sable\\SableDB.mdb;DefaultDir=;UID=admin;PWD=;"
+        << "QODBC"
+        << "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=C:\\Sable\\SableDB.mdb;DefaultDir=;UID=admin;PWD=;"
+        << "";
+    QTest::newRow("sql server")
+        << "Provider=sqloledb;User id=sa;password=p;w;data source=10.0.0.5;initial catalog=Sable;"
+        << "QODBC"
+        << "DRIVER={FreeTDS};SERVER=10.0.0.5;DATABASE=Sable;UID=sa;PWD=p;"
+        << "";
+    QTest::newRow("sql server, braced password")
+        << "Provider=SQLOLEDB;User ID=sa;Password={a;b};Data Source=srv;Initial Catalog=db"
+        << "QODBC"
+        << "DRIVER={FreeTDS};SERVER=srv;DATABASE=db;UID=sa;PWD={{a;b}}};"
+        << "";
+    QTest::newRow("jet provider") << "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\a.mdb"
+                                  << "QODBC"
+                                  << "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=C:\\a.mdb;"
+                                  << "";
+    QTest::newRow("sqlite") << "Provider=SQLite;Data Source=/srv/sable/SableDB.db"
+                            << "QSQLITE"
+                            << "file:///srv/sable/SableDB.db?mode=rw"
+                            << "";
+    QTest::newRow("sqlite, create, quoted path") << "provider=sqlite; data source=\"/tmp/a b;c.db\";FailIfMissing=False"
+                                                 << "QSQLITE"
+                                                 << "file:///tmp/a%20b;c.db?mode=rwc"
+                                                 << "";
+    QTest::newRow("postgresql")
+        << "Provider=PostgreSQL;Host=db.local;Port=5433;Database=sable;User ID=sable;Password=pw"
+        << "QPSQL"
+        << "sable"
+        << "sable";
+    QTest::newRow("unknown provider") << "Provider=Oracle;Data Source=x"
+                                      << ""
+                                      << ""
+                                      << "";
+    QTest::newRow("empty") << ""
+                           << ""
+                           << ""
+                           << "";
+}
+
+void TestDbConnection::resolve()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, driver);
+    QFETCH(QString, databaseName);
+    QFETCH(QString, user);
+    const DbTarget target = resolveConnectionString(text, QStringLiteral("FreeTDS"));
+    QCOMPARE(target.driver, driver);
+    QCOMPARE(target.databaseName, databaseName);
+    QCOMPARE(target.user, user);
+    QCOMPARE(target.problem.isEmpty(), !driver.isEmpty());
+}
+
+void TestDbConnection::addEngineRows()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("sqlite") << "sqlite";
+    QTest::newRow("sqlite-odbc") << "sqlite-odbc";
+    QTest::newRow("postgresql") << "postgresql";
+    QTest::newRow("postgresql-odbc") << "postgresql-odbc";
+}
+
+void TestDbConnection::engines_data()
+{
+    addEngineRows();
+}
+
+// Opens a fresh, empty database of `kind` and returns its connection string.
+static QString freshDatabase(const QString& kind, const TempHome& home, const PgServer& pg)
+{
+    if (kind.startsWith(QLatin1String("sqlite"))) {
+        const QString file = home.path(kind + QStringLiteral(".db"));
+        QFile::remove(file);
+        DbConnection create;
+        if (!create.open(sqliteConnectionString(file) + QStringLiteral(";FailIfMissing=False")))
+            return {};
+        return kind == QLatin1String("sqlite") ? sqliteConnectionString(file) : sqliteOdbc(file);
+    }
+    const QString database = QStringLiteral("engine_%1").arg(QString(kind).replace(u'-', u'_'));
+    if (!pg.createDatabase(database))
+        return {};
+    return kind == QLatin1String("postgresql") ? pg.connectionString(database) : pg.odbcConnectionString(database);
+}
+
+void TestDbConnection::engines()
+{
+    QFETCH(QString, kind);
+    if (kind.startsWith(QLatin1String("postgresql")))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString text = freshDatabase(kind, m_home, m_pg);
+    QVERIFY(!text.isEmpty());
+
+    DbConnection db;
+    QVERIFY2(db.open(text), qPrintable(DbConnection::lastError()));
+    QCOMPARE(db.state(), 1);
+    bool ok = false;
+    QCOMPARE(DbSchema::createMissingTables(db, &ok), DbSchema::tableNames());
+    QVERIFY2(ok, qPrintable(DbConnection::lastError()));
+
+    // Bound values keep apostrophes and Hangul as they are; NULL reads as 0, "" or "(null)".
+    QVERIFY(db.executeNoRecords(QStringLiteral("INSERT INTO SD_Group (K_GroupID,GroupName,K_GroupID_P,Position,Depth) "
+                                               "VALUES (?,?,?,?,?)"),
+        {7, QStringLiteral("O'Brien 영업부"), -1, 1, 0}));
+    QVERIFY(db.executeNoRecords(QStringLiteral("INSERT INTO SD_Group (K_GroupID) VALUES (8)")));
+    DbRecordset rows = db.execute(
+        QStringLiteral("SELECT K_GroupID,GroupName,K_GroupID_P,Position FROM SD_Group ORDER BY K_GroupID"));
+    QVERIFY(rows.isValid());
+    QVERIFY(!rows.isEof());
+    QCOMPARE(rows.fieldInt(0), 7);
+    QCOMPARE(rows.fieldText(1), QStringLiteral("O'Brien 영업부"));
+    QCOMPARE(rows.fieldInt(2), -1);
+    rows.moveNext();
+    QCOMPARE(rows.fieldInt(3), 0);
+    QCOMPARE(rows.fieldText(1), QString());
+    QCOMPARE(rows.fieldTextOrNull(1), QStringLiteral("(null)"));
+    rows.moveNext();
+    QVERIFY(rows.isEof());
+    rows.close();
+
+    // A rolled-back transaction leaves nothing; a committed one stays.
+    QVERIFY(db.beginTrans());
+    QVERIFY(db.executeNoRecords(QStringLiteral("DELETE FROM SD_Group")));
+    QVERIFY(db.rollbackTrans());
+    QCOMPARE(db.execute(QStringLiteral("SELECT COUNT(*) FROM SD_Group")).fieldInt(0), 2);
+    QVERIFY(db.beginTrans());
+    QVERIFY(db.executeNoRecords(QStringLiteral("DELETE FROM SD_Group WHERE K_GroupID = ?"), {8}));
+    QVERIFY(db.commitTrans());
+    QCOMPARE(db.execute(QStringLiteral("SELECT COUNT(*) FROM SD_Group")).fieldInt(0), 1);
+
+    db.close();
+    QCOMPARE(db.state(), 0);
+    QVERIFY(!db.execute(QStringLiteral("SELECT 1")).isValid());
+}
+
+void TestDbConnection::errorText_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("failure");
+    QTest::newRow("sqlite: missing file") << "sqlite"
+                                          << "missing file";
+    QTest::newRow("sqlite: syntax error") << "sqlite"
+                                          << "syntax";
+    QTest::newRow("sqlite-odbc: syntax error") << "sqlite-odbc"
+                                               << "syntax";
+    QTest::newRow("postgresql: wrong password") << "postgresql"
+                                                << "password";
+    QTest::newRow("postgresql: syntax error") << "postgresql"
+                                              << "syntax";
+    QTest::newRow("postgresql-odbc: wrong password") << "postgresql-odbc"
+                                                     << "password";
+}
+
+void TestDbConnection::errorText()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, failure);
+    if (kind.startsWith(QLatin1String("postgresql")))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+
+    QString text;
+    if (failure == QLatin1String("missing file"))
+        text = sqliteConnectionString(m_home.path(QStringLiteral("no/such/SableDB.db")));
+    else if (failure == QLatin1String("password"))
+        text = kind == QLatin1String("postgresql")
+            ? m_pg.connectionString(QStringLiteral("sable"), QStringLiteral("sable"), QStringLiteral("wrong"))
+            : m_pg.odbcConnectionString(QStringLiteral("sable"), QStringLiteral("wrong"));
+    else
+        text = freshDatabase(kind, m_home, m_pg);
+
+    DbConnection db;
+    const bool opened = db.open(text);
+    if (failure == QLatin1String("syntax")) {
+        QVERIFY(opened);
+        QVERIFY(!db.execute(QStringLiteral("SELEC nothing FROM")).isValid());
+    } else {
+        QVERIFY(!opened);
+        QVERIFY(!QFile::exists(m_home.path(QStringLiteral("no/such/SableDB.db"))));
+    }
+    const QString error = DbConnection::lastError();
+    const QRegularExpression format(QStringLiteral("^\\(\\w+\\) .+\\r\\nSource - Q(SQLITE|PSQL|ODBC)\\r\\nDesc - .*"),
+        QRegularExpression::DotMatchesEverythingOption);
+    QVERIFY2(format.match(error).hasMatch(), qPrintable(error));
+    if (failure == QLatin1String("password"))
+        QVERIFY2(error.contains(QLatin1String("password"), Qt::CaseInsensitive), qPrintable(error));
+}
+
+void TestDbConnection::emptyConnection()
+{
+    DbConnection db;
+    QVERIFY(db.isEmpty());
+    QCOMPARE(db.state(), 0);
+    QVERIFY(!db.execute(QStringLiteral("SELECT 1")).isValid());
+    QVERIFY(!db.executeNoRecords(QStringLiteral("DELETE FROM SD_Group")));
+    QVERIFY(!db.beginTrans());
+    QVERIFY(DbConnection::lastError().startsWith(QStringLiteral("(0) ")));
+    db.close();
+
+    // A connection string of an unknown kind fails to open with a readable reason.
+    QVERIFY(!db.open(QStringLiteral("Provider=Oracle;Data Source=x")));
+    QVERIFY(DbConnection::lastError().contains(QLatin1String("Provider=Oracle")));
+}
+
+void TestDbConnection::registryOrDefault()
+{
+    TempHome home;
+    const QString defaultPath = home.path(QStringLiteral("home/SableDB.db"));
+    QStringList reports;
+    const auto report = [&reports](const QString& caption, const QString& text) { reports << caption << text; };
+
+    // No key: the default file, which does not exist, so the open fails and is reported once.
+    DbConnection missing = DbConnection::connectByRegistryOrDefault(home.registry(), defaultPath, report);
+    QVERIFY(missing.isEmpty());
+    QCOMPARE(reports.size(), 2);
+    QVERIFY(reports[1].startsWith(u'('));
+    QCOMPARE(reports[0], DbConnection::lastErrorMessage());
+
+    // An empty value is still read: its open fails and is reported.
+    const auto key
+        = home.registry().createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Services\\Database"));
+    QVERIFY(key->writeString(QStringLiteral("ConnectionString"), QString()));
+    reports.clear();
+    QVERIFY(DbConnection::connectByRegistryOrDefault(home.registry(), defaultPath, report).isEmpty());
+    QCOMPARE(reports.size(), 2);
+
+    // The registry's string wins over the default path.
+    const QString other = home.path(QStringLiteral("other.db"));
+    DbConnection create;
+    QVERIFY(create.open(sqliteConnectionString(other) + QStringLiteral(";FailIfMissing=False")));
+    QVERIFY(key->writeString(QStringLiteral("ConnectionString"), sqliteConnectionString(other)));
+    reports.clear();
+    DbConnection chosen = DbConnection::connectByRegistryOrDefault(home.registry(), defaultPath, report);
+    QVERIFY(!chosen.isEmpty());
+    QVERIFY(reports.isEmpty());
+    QVERIFY(chosen.database().databaseName().contains(QLatin1String("other.db")));
+}
+
+void TestDbConnection::schemaNeverTouchesExistingTables_data()
+{
+    addEngineRows();
+}
+
+void TestDbConnection::schemaNeverTouchesExistingTables()
+{
+    QFETCH(QString, kind);
+    if (kind.startsWith(QLatin1String("postgresql")))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString text = freshDatabase(kind, m_home, m_pg);
+    DbConnection db;
+    QVERIFY(db.open(text));
+    QVERIFY(db.executeNoRecords(
+        QStringLiteral("CREATE TABLE SD_Rank (K_RankID INTEGER, RankName VARCHAR(10), Extra INTEGER)")));
+    QVERIFY(db.executeNoRecords(QStringLiteral("INSERT INTO SD_Rank VALUES (3, 'x', 1)")));
+    bool ok = false;
+    const QStringList created = DbSchema::createMissingTables(db, &ok);
+    QVERIFY(ok);
+    QVERIFY(!created.contains(QStringLiteral("SD_Rank")));
+    QCOMPARE(created.size(), DbSchema::tableNames().size() - 1);
+    QCOMPARE(db.execute(QStringLiteral("SELECT Extra FROM SD_Rank")).fieldInt(0), 1);
+    QCOMPARE(DbSchema::createMissingTables(db, &ok), QStringList());
+    QVERIFY(!DbSchema::hasRankOrderColumn(db));
+}
+
+QTEST_GUILESS_MAIN(TestDbConnection)
+#include "tst_db_connection.moc"

@@ -1,0 +1,382 @@
+// The settings stores: INI files with the private-profile rules, the registry kept in regedit-format
+// files, and the code-page byte counting that both rely on.
+
+#include "TestSupport.h"
+#include "platform/CodePage949.h"
+#include "platform/IniFile.h"
+#include "platform/RegFileBackend.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTest>
+
+using namespace sable;
+
+class TestSettingsStores : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void byteLength_data();
+    void byteLength();
+    void truncated();
+
+    void iniRead_data();
+    void iniRead();
+    void iniReadInt_data();
+    void iniReadInt();
+    void iniWrite_data();
+    void iniWrite();
+    void iniUnreadableFileIsNeverReplaced();
+
+    void registryKeyPathsIgnoreCase();
+    void registryStringBuffer_data();
+    void registryStringBuffer();
+    void registryValueTypes();
+    void registryFileFormat();
+    void registryKeepsBrokenLines();
+    void registryReadsWindowsExport();
+    void registryUnreadableFile();
+    void registryTwoWritersAtOnce();
+
+private:
+    TempHome m_home;
+};
+
+void TestSettingsStores::byteLength_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("bytes");
+    QTest::newRow("ascii") << QStringLiteral("SableD") << 6;
+    QTest::newRow("hangul syllables") << QStringLiteral("세이블") << 6;
+    QTest::newRow("mixed") << QStringLiteral("A팀 1") << 5;
+    QTest::newRow("jamo and hanja") << QStringLiteral("ㄱ漢") << 4;
+    QTest::newRow("outside the page") << QStringLiteral("😀") << 1;
+    QTest::newRow("empty") << QString() << 0;
+}
+
+void TestSettingsStores::byteLength()
+{
+    QFETCH(QString, text);
+    QFETCH(int, bytes);
+    QCOMPARE(CodePage949::byteLength(text), bytes);
+}
+
+void TestSettingsStores::truncated()
+{
+    QCOMPARE(CodePage949::truncated(QStringLiteral("가나다"), 5), QStringLiteral("가나"));
+    QCOMPARE(CodePage949::truncated(QStringLiteral("가나다"), 6), QStringLiteral("가나다"));
+    QCOMPARE(CodePage949::truncated(QStringLiteral("a가"), 2), QStringLiteral("a"));
+    QCOMPARE(CodePage949::encode(QStringLiteral("가A")),
+        QByteArray("\xB0\xA1"
+                   "A"));
+    QCOMPARE(CodePage949::decode(QByteArray("\xB0\xA1"
+                                            "A")),
+        std::optional<QString>(QStringLiteral("가A")));
+}
+
+void TestSettingsStores::iniRead_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<int>("buffer");
+    QTest::addColumn<QString>("expected");
+
+    const QByteArray basic = "; server settings\n[DBInfo]\nDBAddr = 10.0.0.5 \nDBName=\"Sable\"\nUID='sa'\n"
+                             "PWD=\"half\n\n[GroupInfo]\nVersion=0042\n";
+    QTest::newRow("trimmed") << basic << "DBInfo"
+                             << "DBAddr" << 129 << "10.0.0.5";
+    QTest::newRow("case of section and key") << basic << "dbinfo"
+                                             << "dbaddr" << 129 << "10.0.0.5";
+    QTest::newRow("double quotes") << basic << "DBInfo"
+                                   << "DBName" << 129 << "Sable";
+    QTest::newRow("single quotes") << basic << "DBInfo"
+                                   << "UID" << 129 << "sa";
+    QTest::newRow("unbalanced quote kept") << basic << "DBInfo"
+                                           << "PWD" << 129 << "\"half";
+    QTest::newRow("buffer keeps n-1") << basic << "DBInfo"
+                                      << "DBAddr" << 5 << "10.0";
+    QTest::newRow("missing key") << basic << "DBInfo"
+                                 << "Nothing" << 129 << "default";
+    QTest::newRow("missing section") << basic << "Other"
+                                     << "DBAddr" << 129 << "default";
+    QTest::newRow("default is cut too") << basic << "Other"
+                                        << "DBAddr" << 4 << "def";
+    QTest::newRow("key of another section") << basic << "GroupInfo"
+                                            << "DBAddr" << 129 << "default";
+    QTest::newRow("hangul cut at a whole character") << QByteArray("[S]\nName=가나다\n") << "S"
+                                                     << "Name" << 6 << "가나";
+    QTest::newRow("first of two keys") << QByteArray("[S]\nA=1\nA=2\n") << "S"
+                                       << "A" << 10 << "1";
+    QTest::newRow("commented key") << QByteArray("[S]\n;A=1\n") << "S"
+                                   << "A" << 10 << "default";
+    QTest::newRow("broken lines ignored") << QByteArray("[S\ngarbage\n[S]\n\x01\xff nonsense\nA=ok\n") << "S"
+                                          << "A" << 10 << "ok";
+    QTest::newRow("crlf") << QByteArray("[S]\r\nA=x y\r\n") << "S"
+                          << "A" << 10 << "x y";
+    QTest::newRow("bom") << QByteArray("\xEF\xBB\xBF[S]\nA=1\n") << "S"
+                         << "A" << 10 << "1";
+    QTest::newRow("empty value") << QByteArray("[S]\nA=\n") << "S"
+                                 << "A" << 10 << "";
+}
+
+void TestSettingsStores::iniRead()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, section);
+    QFETCH(QString, key);
+    QFETCH(int, buffer);
+    QFETCH(QString, expected);
+    m_home.writeFile(QStringLiteral("read.ini"), file);
+    const IniFile ini(m_home.path(QStringLiteral("read.ini")));
+    QCOMPARE(ini.readString(section, key, QStringLiteral("default"), buffer), expected);
+}
+
+void TestSettingsStores::iniReadInt_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("decimal") << QByteArray("Version=0042") << 42;
+    QTest::newRow("negative") << QByteArray("Version=-5") << -5;
+    QTest::newRow("hexadecimal") << QByteArray("Version=0x1F") << 31;
+    QTest::newRow("trailing text") << QByteArray("Version=7x") << 7;
+    QTest::newRow("not a number") << QByteArray("Version=abc") << 0;
+    QTest::newRow("empty") << QByteArray("Version=") << 99;
+    QTest::newRow("missing") << QByteArray("Other=1") << 99;
+}
+
+void TestSettingsStores::iniReadInt()
+{
+    QFETCH(QByteArray, value);
+    QFETCH(int, expected);
+    m_home.writeFile(QStringLiteral("int.ini"), "[GroupInfo]\n" + value + "\n");
+    QCOMPARE(IniFile(m_home.path(QStringLiteral("int.ini")))
+                 .readInt(QStringLiteral("groupinfo"), QStringLiteral("VERSION"), 99),
+        expected);
+}
+
+void TestSettingsStores::iniWrite_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QByteArray>("after");
+
+    const QByteArray file
+        = "; keep me\r\n[SettingInfo]\r\nVERSION=3\r\nCaptionBarName=x\r\n\r\n[DBInfo]\r\nDBAddr=\r\n";
+    QTest::newRow("changes one line, keeps its key's spelling")
+        << file << "settinginfo"
+        << "Version"
+        << "4"
+        << QByteArray("; keep me\r\n[SettingInfo]\r\nVERSION=4\r\nCaptionBarName=x\r\n\r\n[DBInfo]\r\nDBAddr=\r\n");
+    QTest::newRow("new key after the section's last key")
+        << file << "SettingInfo"
+        << "bDefaultIcon"
+        << "1"
+        << QByteArray(
+               "; keep "
+               "me\r\n[SettingInfo]\r\nVERSION=3\r\nCaptionBarName=x\r\nbDefaultIcon=1\r\n\r\n[DBInfo]\r\nDBAddr=\r\n");
+    QTest::newRow("new section at the end") << file << "GroupInfo"
+                                            << "Version"
+                                            << "0001" << QByteArray(file + "[GroupInfo]\r\nVersion=0001\r\n");
+    QTest::newRow("missing file") << QByteArray() << "GroupInfo"
+                                  << "Version"
+                                  << "0001" << QByteArray("[GroupInfo]\nVersion=0001\n");
+    QTest::newRow("no line end at the end") << QByteArray("[S]\nA=1") << "S"
+                                            << "B"
+                                            << "2" << QByteArray("[S]\nA=1\nB=2\n");
+    QTest::newRow("broken lines and bom kept") << QByteArray("\xEF\xBB\xBF[S]\n\xff\xfe junk\nA=1\n") << "S"
+                                               << "A"
+                                               << "한글" << QByteArray("\xEF\xBB\xBF[S]\n\xff\xfe junk\nA=한글\n");
+    QTest::newRow("only the first of two sections") << QByteArray("[S]\nA=1\n[S]\nA=2\n") << "S"
+                                                    << "A"
+                                                    << "9" << QByteArray("[S]\nA=9\n[S]\nA=2\n");
+}
+
+void TestSettingsStores::iniWrite()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QString, section);
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    QFETCH(QByteArray, after);
+    const QString name = QStringLiteral("write.ini");
+    QFile::remove(m_home.path(name));
+    if (!before.isNull())
+        m_home.writeFile(name, before);
+    QVERIFY(IniFile(m_home.path(name)).writeString(section, key, value));
+    QCOMPARE(m_home.readFile(name), after);
+    QVERIFY(!QFile::exists(m_home.path(name) + QStringLiteral(".lock")));
+}
+
+void TestSettingsStores::iniUnreadableFileIsNeverReplaced()
+{
+    // A path that cannot be read as a file (here a folder) reads as defaults and is never replaced.
+    QDir(m_home.path()).mkpath(QStringLiteral("folder.ini/inside"));
+    const IniFile ini(m_home.path(QStringLiteral("folder.ini")));
+    QCOMPARE(ini.readString(QStringLiteral("S"), QStringLiteral("A"), QStringLiteral("d"), 10), QStringLiteral("d"));
+    QVERIFY(!ini.writeString(QStringLiteral("S"), QStringLiteral("A"), QStringLiteral("1")));
+    QVERIFY(QDir(m_home.path(QStringLiteral("folder.ini/inside"))).exists());
+}
+
+void TestSettingsStores::registryKeyPathsIgnoreCase()
+{
+    const Registry registry = m_home.registry();
+    QVERIFY(!registry.openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Services\\Database")));
+    const auto written
+        = registry.createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase"));
+    QVERIFY(written);
+    QVERIFY(written->writeString(QStringLiteral("ConnectionString"), QStringLiteral("DSN=x;")));
+    const auto read = registry.openKey(RegRoot::LocalMachine, QStringLiteral("software\\halvex\\services\\database"));
+    QVERIFY(read);
+    QCOMPARE(
+        read->readString(QStringLiteral("connectionstring"), 1024), std::optional<QString>(QStringLiteral("DSN=x;")));
+    // Keys above a key exist; the other root does not share them.
+    QVERIFY(registry.openKey(RegRoot::LocalMachine, QStringLiteral("Software\\Halvex")));
+    QVERIFY(!registry.openKey(RegRoot::CurrentUser, QStringLiteral("Software\\Halvex")));
+    QVERIFY(!registry.openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halv")));
+}
+
+void TestSettingsStores::registryStringBuffer_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("buffer");
+    QTest::addColumn<bool>("fits");
+    QTest::newRow("249 characters in 250") << QString(249, u'c') << 250 << true;
+    QTest::newRow("250 characters in 250") << QString(250, u'c') << 250 << false;
+    QTest::newRow("hangul counts two") << QString(125, u'가') << 250 << false;
+    QTest::newRow("hangul that fits") << QString(124, u'가') + u'a' << 250 << true;
+    QTest::newRow("empty value") << QString() << 1 << true;
+}
+
+void TestSettingsStores::registryStringBuffer()
+{
+    QFETCH(QString, value);
+    QFETCH(int, buffer);
+    QFETCH(bool, fits);
+    const auto key = m_home.registry().createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Buffer"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("Value"), value));
+    const auto read = key->readString(QStringLiteral("Value"), buffer);
+    QCOMPARE(read.has_value(), fits);
+    if (fits)
+        QCOMPARE(*read, value);
+}
+
+void TestSettingsStores::registryValueTypes()
+{
+    const auto key
+        = m_home.registry().createKey(RegRoot::CurrentUser, QStringLiteral("Software\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QVERIFY(key->writeDword(QStringLiteral("BalloonHelp"), 0));
+    QVERIFY(key->writeDword(QStringLiteral("Port"), 55100));
+    QVERIFY(key->writeString(QStringLiteral("Text"), QStringLiteral("C:\\Sable \"4.0\"\n둘째 줄")));
+    QCOMPARE(key->readDword(QStringLiteral("balloonhelp")), std::optional<quint32>(0));
+    QCOMPARE(key->readDword(QStringLiteral("Port")), std::optional<quint32>(55100));
+    QCOMPARE(key->readString(QStringLiteral("Text"), 1024),
+        std::optional<QString>(QStringLiteral("C:\\Sable \"4.0\"\n둘째 줄")));
+    QVERIFY(!key->readString(QStringLiteral("Port"), 1024));
+    QVERIFY(!key->readDword(QStringLiteral("Text")));
+    QVERIFY(!key->readDword(QStringLiteral("Missing")));
+    QVERIFY(key->writeDword(QStringLiteral("Port"), 0xFFFFFFFF));
+    QCOMPARE(key->readDword(QStringLiteral("Port")), std::optional<quint32>(0xFFFFFFFF));
+}
+
+void TestSettingsStores::registryFileFormat()
+{
+    TempHome home;
+    const auto key
+        = home.registry().createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableBoxServer"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("Home Directory"), QStringLiteral("C:\\Sable\\SableBox")));
+    QVERIFY(key->writeDword(QStringLiteral("Custom PASV min port"), 55100));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")),
+        QByteArray("Windows Registry Editor Version 5.00\r\n\r\n"
+                   "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\SableBoxServer]\r\n"
+                   "\"Home Directory\"=\"C:\\\\Sable\\\\SableBox\"\r\n"
+                   "\"Custom PASV min port\"=dword:0000d73c\r\n"));
+}
+
+void TestSettingsStores::registryKeepsBrokenLines()
+{
+    TempHome home;
+    const QByteArray broken = "Windows Registry Editor Version 5.00\r\n\r\n"
+                              "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\SableManager]\r\n"
+                              "\"ServerType\"=dword:zz\r\n"
+                              "this line means nothing\r\n"
+                              "\"Unclosed=\"x\r\n"
+                              "\"MajorVersion\"=\"SM40\"\r\n";
+    home.writeFile(QStringLiteral("registry/HKLM.reg"), broken);
+    const auto key = home.registry().openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QVERIFY(!key->readDword(QStringLiteral("ServerType")));
+    QCOMPARE(key->readString(QStringLiteral("MajorVersion"), 128), std::optional<QString>(QStringLiteral("SM40")));
+    QVERIFY(key->writeString(QStringLiteral("MajorVersion"), QStringLiteral("SM41")));
+    QVERIFY(key->writeDword(QStringLiteral("ServerType"), 1));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")),
+        QByteArray(broken).replace("SM40", "SM41").replace("dword:zz", "dword:00000001"));
+}
+
+void TestSettingsStores::registryReadsWindowsExport()
+{
+    TempHome home;
+    const QString exported = QStringLiteral("Windows Registry Editor Version 5.00\r\n\r\n"
+                                            "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\Services\\SessionDInfo]\r\n"
+                                            "\"SessionDCount\"=dword:00000001\r\n"
+                                            "\"SessionD_0_Address\"=\"192.168.0.10\"\r\n"
+                                            "\"Note\"=hex(1):c4,c1,00,00\r\n");
+    QByteArray utf16("\xFF\xFE");
+    utf16 += QByteArray(reinterpret_cast<const char*>(exported.utf16()), exported.size() * 2);
+    home.writeFile(QStringLiteral("registry/HKLM.reg"), utf16);
+    const auto key
+        = home.registry().openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Services\\SessionDInfo"));
+    QVERIFY(key);
+    QCOMPARE(key->readDword(QStringLiteral("SessionDCount")), std::optional<quint32>(1));
+    QCOMPARE(key->readString(QStringLiteral("SessionD_0_Address"), 260),
+        std::optional<QString>(QStringLiteral("192.168.0.10")));
+    QCOMPARE(key->readString(QStringLiteral("Note"), 260), std::optional<QString>(QStringLiteral("쇄")));
+    QVERIFY(key->writeDword(QStringLiteral("SessionDChanged"), 1));
+    const QByteArray after = home.readFile(QStringLiteral("registry/HKLM.reg"));
+    QVERIFY(after.startsWith("\xFF\xFE"));
+    const QString text
+        = QString::fromUtf16(reinterpret_cast<const char16_t*>(after.constData() + 2), (after.size() - 2) / 2);
+    QCOMPARE(text, exported + QStringLiteral("\"SessionDChanged\"=dword:00000001\r\n"));
+}
+
+void TestSettingsStores::registryUnreadableFile()
+{
+    TempHome home;
+    QDir(home.path()).mkpath(QStringLiteral("registry/HKLM.reg/inside"));
+    const Registry registry = home.registry();
+    QVERIFY(!registry.openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex")));
+    QVERIFY(!registry.createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex")));
+    QVERIFY(QDir(home.path(QStringLiteral("registry/HKLM.reg/inside"))).exists());
+}
+
+void TestSettingsStores::registryTwoWritersAtOnce()
+{
+    TempHome home;
+    const QString file = home.path(QStringLiteral("HKLM.reg"));
+    QProcess first;
+    QProcess second;
+    first.start(QStringLiteral(REGWRITER_PATH), {file, QStringLiteral("a"), QStringLiteral("60")});
+    second.start(QStringLiteral(REGWRITER_PATH), {file, QStringLiteral("b"), QStringLiteral("60")});
+    QVERIFY(first.waitForFinished(120000));
+    QVERIFY(second.waitForFinished(120000));
+    QCOMPARE(first.exitCode(), 0);
+    QCOMPARE(second.exitCode(), 0);
+    RegFileBackend backend(file, file + QStringLiteral(".hkcu"));
+    for (int i = 0; i < 60; ++i) {
+        for (const char* prefix : {"a", "b"}) {
+            const auto value
+                = backend.readDword(RegRoot::LocalMachine, "SOFTWARE\\Halvex\\Race", prefix + std::to_string(i));
+            QVERIFY2(value == std::optional<std::uint32_t>(i),
+                qPrintable(QStringLiteral("%1%2").arg(QLatin1String(prefix)).arg(i)));
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(TestSettingsStores)
+#include "tst_settings_stores.moc"
