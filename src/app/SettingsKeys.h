@@ -19,6 +19,7 @@ inline const QString kMajorVersion = QStringLiteral("MajorVersion");
 inline const QString kConnectionString = QStringLiteral("ConnectionString");
 inline const QString kDatabaseType = QStringLiteral("Type");
 inline const QString kCustomPasvIp = QStringLiteral("Custom PASV IP");
+inline const QString kHomeDirectory = QStringLiteral("Home Directory");
 inline const QString kSqlServerOdbcDriver = QStringLiteral("SqlServerOdbcDriver");
 
 inline const QString kDBInfo = QStringLiteral("DBInfo");
