@@ -38,7 +38,8 @@ HomePageSiteList HomePageSettings::open() const
     // administrator removes the one not wanted.
     const QString defaultList = QStringLiteral("|%1|%2|").arg(Msg::kHomePageVendorName, m_vendorHost);
     const QString value = m_ini.readString(Keys::kSettingInfo, Keys::kHomePageURL2, defaultList, kListBuffer);
-    for (const HomePageSite& site : HomePageSiteList::fromValue(value).rows())
+    const HomePageSiteList stored = HomePageSiteList::fromValue(value);
+    for (const HomePageSite& site : stored.rows())
         list.AddSiteRow(site.name, site.address);
     return list;
 }
