@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -52,6 +53,8 @@ SessionServerDialog::SessionServerDialog(const SessionServerList& list, QWidget*
     m_view->setColumnWidth(PortColumn, 0);
     m_view->setColumnHidden(PortColumn, true);
     m_view->setColumnWidth(UsageColumn, kUsageColumnWidth);
+    m_view->setMinimumWidth(kAddressColumnWidth + kUsageColumnWidth + 2 * m_view->frameWidth()
+        + m_view->verticalScrollBar()->sizeHint().width());
 
     auto* add = new QPushButton(Msg::kFileServerAdd, this);
     m_remove = new QPushButton(Msg::kFileServerRemove, this);
