@@ -31,4 +31,19 @@ inline const QString kGroupInfo = QStringLiteral("GroupInfo");
 inline const QString kSettingInfo = QStringLiteral("SettingInfo");
 inline const QString kVersion = QStringLiteral("Version");
 
+// Client presentation settings: [SettingInfo] of Serverinfo.ini, the file session servers' values
+// under kSessionDInfo, and the console's own choice of the vendor's home page host.
+inline const QString kDefaultIcon = QStringLiteral("bDefaultIcon");
+inline const QString kUserDefineIconPath = QStringLiteral("UserDefineIconPath");
+inline const QString kCaptionBarName = QStringLiteral("CaptionBarName");
+inline const QString kLogoVersionRead = QStringLiteral("VERSION"); // the same key as kVersion, read so
+inline const QString kHomePageURL = QStringLiteral("HomePageURL");
+inline const QString kHomePageURL2 = QStringLiteral("HomePageURL2");
+inline const QString kVendorHomePageHost = QStringLiteral("VendorHomePageHost");
+inline const QString kSessionDCount = QStringLiteral("SessionDCount");
+inline const QString kSessionDChanged = QStringLiteral("SessionDChanged");
+inline const QString kSessionDAddress = QStringLiteral("SessionD_%1_Address");
+inline const QString kSessionDPort = QStringLiteral("SessionD_%1_Port");
+inline const QString kSessionDEnable = QStringLiteral("SessionD_%1_Enable");
+
 } // namespace sable::Keys
