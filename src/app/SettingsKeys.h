@@ -30,4 +30,12 @@ inline const QString kGroupInfo = QStringLiteral("GroupInfo");
 inline const QString kSettingInfo = QStringLiteral("SettingInfo");
 inline const QString kVersion = QStringLiteral("Version");
 
+// The mail server of the registration mail (values under kSableManager).
+inline const QString kMailServer = QStringLiteral("MailServer");
+inline const QString kMailPort = QStringLiteral("MailPort");
+inline const QString kMailSecurity = QStringLiteral("MailSecurity");
+inline const QString kMailUser = QStringLiteral("MailUser");
+inline const QString kMailPassword = QStringLiteral("MailPassword");
+inline const QString kMailSenderAddress = QStringLiteral("MailSenderAddress");
+
 } // namespace sable::Keys
