@@ -46,4 +46,12 @@ inline const QString kSessionDAddress = QStringLiteral("SessionD_%1_Address");
 inline const QString kSessionDPort = QStringLiteral("SessionD_%1_Port");
 inline const QString kSessionDEnable = QStringLiteral("SessionD_%1_Enable");
 
+// The mail server of the registration mail (values under kSableManager).
+inline const QString kMailServer = QStringLiteral("MailServer");
+inline const QString kMailPort = QStringLiteral("MailPort");
+inline const QString kMailSecurity = QStringLiteral("MailSecurity");
+inline const QString kMailUser = QStringLiteral("MailUser");
+inline const QString kMailPassword = QStringLiteral("MailPassword");
+inline const QString kMailSenderAddress = QStringLiteral("MailSenderAddress");
+
 } // namespace sable::Keys
