@@ -27,6 +27,42 @@ inline const QString kSaveInEditor = QStringLiteral("편집화면에서 저장�
 inline const QString kSaveEmptyIdOrPassword = QStringLiteral("아이디나 비밀번호가 비어있는 아이디가 있습니다.");
 inline const QString kSaveDatabaseError = QStringLiteral("데이터 베이스에 오류가 발생했습니다.");
 
+// Chart editing
+inline const QString kNewDepartment = QStringLiteral("새 부서");
+inline const QString kDeleteDepartmentQuestion = QStringLiteral(
+    "조직도가 삭제 되며 그룹에 속한 사용자는 더 이상 그룹에 속하지 않게 됩니다.\n\n계속 하시겠습니까?");
+inline const QString kDuplicateId = QStringLiteral("이미 존재하는 아이디입니다.");
+inline const QString kFirstMemberTip
+    = QStringLiteral("그룹에 추가되지 않은 사용자는 희미하게 표시됩니다.\n드래그해서 왼쪽 조직도에 추가하세요.");
+inline const QString kTooLong = QStringLiteral("%1자를 초과할 수 없습니다.");
+inline const QString kEnterPassword = QStringLiteral("비밀번호를 입력하세요.");
+inline const QString kDeleteUsersQuestion = QStringLiteral("선택된 사용자를 삭제하시겠습니까?");
+inline const QString kAddToDepartment = QStringLiteral("[%1]에 추가");
+inline const QString kEmptyTreeTip = QStringLiteral("마우스 오른쪽 버튼을 눌러서 부서를 추가하세요.");
+inline const QString kNewRank = QStringLiteral("새 직급");
+inline const QString kNewRankNumbered = QStringLiteral("새 직급 (%1)");
+inline const QString kDuplicateRank = QStringLiteral("이미 같은 직급이 존재합니다.");
+inline const QString kDeleteRankQuestion
+    = QStringLiteral("삭제된 직급을 가지고 있는 사용자는 직급이 없어지게 됩니다.\n직급을 삭제하시겠습니까?");
+inline const QString kEmptyRankListTip = QStringLiteral("마우스 오른쪽 버튼을 눌러서 직급을 추가하세요.");
+
+// Names of the edits in the undo and redo commands
+inline const QString kStepAddDepartment = QStringLiteral("부서 추가");
+inline const QString kStepRenameDepartment = QStringLiteral("부서 이름 바꾸기: %1");
+inline const QString kStepDeleteDepartment = QStringLiteral("부서 삭제: %1");
+inline const QString kStepRemovePlacement = QStringLiteral("부서에서 빼기: %1");
+inline const QString kStepMove = QStringLiteral("순서 바꾸기: %1");
+inline const QString kStepSortByRank = QStringLiteral("직급 순서대로 정렬: %1");
+inline const QString kStepSetRank = QStringLiteral("직급 지정: %1");
+inline const QString kStepAddUser = QStringLiteral("사용자 추가: %1");
+inline const QString kStepEditUser = QStringLiteral("사용자 정보 수정: %1");
+inline const QString kStepDeleteUsers = QStringLiteral("사용자 삭제 (%1명)");
+inline const QString kStepAddToDepartment = QStringLiteral("부서에 사용자 추가: %1");
+inline const QString kStepAddRank = QStringLiteral("직급 추가");
+inline const QString kStepRenameRank = QStringLiteral("직급 이름 바꾸기: %1");
+inline const QString kStepDeleteRank = QStringLiteral("직급 삭제: %1");
+inline const QString kStepMoveRank = QStringLiteral("직급 순서 바꾸기: %1");
+
 // File box
 inline const QString kLevelNone = QStringLiteral("권한 없음");
 inline const QString kLevelRead = QStringLiteral("읽기");

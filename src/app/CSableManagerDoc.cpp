@@ -23,6 +23,7 @@ void CSableManagerDoc::adopt(ChartContents contents)
     m_fileBox = std::move(contents.fileBox);
     m_deletedMembers.clear();
     m_deletedGroups.clear();
+    m_history.clear();
     setModified(false);
     Q_EMIT rankListChanged();
     Q_EMIT fileBoxChanged();
@@ -34,6 +35,7 @@ void CSableManagerDoc::markSaved()
     m_deletedMembers.clear();
     m_deletedGroups.clear();
     setModified(false);
+    m_history.markClean();
     Q_EMIT saved();
 }
 

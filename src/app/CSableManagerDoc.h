@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/EditHistory.h"
 #include "filebox/FileBoxLists.h"
 #include "orgchart/OrgChart.h"
 #include "orgchart/RankList.h"
@@ -42,6 +43,10 @@ public:
     QList<int>& deletedGroups() { return m_deletedGroups; }
     const QList<int>& deletedGroups() const { return m_deletedGroups; }
 
+    // The edits since the load, for undo and redo.
+    EditHistory& history() { return m_history; }
+    const EditHistory& history() const { return m_history; }
+
     bool isModified() const { return m_bModified; }
     void setModified(bool modified);
 
@@ -69,6 +74,7 @@ private:
     QList<int> m_deletedMembers;
     QList<int> m_deletedGroups;
     bool m_bModified = false;
+    EditHistory m_history {*this};
 };
 
 } // namespace sable

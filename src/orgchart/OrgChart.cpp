@@ -373,25 +373,36 @@ MemberRecord OrgChart::takeMember(int row)
 std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
 {
     const auto ranges = contiguousRanges(rows);
-    const bool reset = ranges.size() > kMaxSeparateRanges;
-    if (reset)
+    std::vector<MemberRecord> taken;
+    taken.reserve(rows.size());
+    if (ranges.size() > kMaxSeparateRanges) {
+        // One pass over the whole list: erasing range by range would move the list once per range.
         notify([](OrgChartListener& l) { l.memberListAboutToReset(); });
-    std::vector<MemberRecord> taken(rows.size());
-    // From the last range to the first, so that the earlier rows keep their numbers meanwhile.
-    size_t next = rows.size();
-    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
-        const auto [first, last] = *range;
-        if (!reset)
-            notify([&](OrgChartListener& l) { l.membersAboutToBeRemoved(first, last); });
-        for (int row = last; row >= first; --row)
-            taken[--next] = std::move(m_members[static_cast<size_t>(row)]);
-        m_members.erase(m_members.begin() + first, m_members.begin() + last + 1);
-        if (!reset)
-            notify([&](OrgChartListener& l) { l.membersRemoved(first, last); });
-    }
-    reindexMembers();
-    if (reset)
+        std::vector<MemberRecord> kept;
+        kept.reserve(m_members.size() - rows.size());
+        auto next = rows.begin();
+        for (int row = 0; row < memberCount(); ++row) {
+            const bool take = next != rows.end() && *next == row;
+            (take ? taken : kept).push_back(std::move(m_members[static_cast<size_t>(row)]));
+            next += take ? 1 : 0;
+        }
+        m_members = std::move(kept);
+        reindexMembers();
         notify([](OrgChartListener& l) { l.memberListReset(); });
+    } else {
+        taken.resize(rows.size());
+        // From the last range to the first, so that the earlier rows keep their numbers meanwhile.
+        size_t next = rows.size();
+        for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
+            const auto [first, last] = *range;
+            notify([&](OrgChartListener& l) { l.membersAboutToBeRemoved(first, last); });
+            for (int row = last; row >= first; --row)
+                taken[--next] = std::move(m_members[static_cast<size_t>(row)]);
+            m_members.erase(m_members.begin() + first, m_members.begin() + last + 1);
+            reindexMembers();
+            notify([&](OrgChartListener& l) { l.membersRemoved(first, last); });
+        }
+    }
     for (const MemberRecord& member : taken)
         notifyPlacementsChanged(member.K_MemberID);
     return taken;
@@ -400,22 +411,31 @@ std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
 void OrgChart::insertMembers(const std::vector<int>& rows, std::vector<MemberRecord> members)
 {
     const auto ranges = contiguousRanges(rows);
-    const bool reset = ranges.size() > kMaxSeparateRanges;
-    if (reset)
+    if (ranges.size() > kMaxSeparateRanges) {
         notify([](OrgChartListener& l) { l.memberListAboutToReset(); });
-    size_t next = 0;
-    for (const auto& [first, last] : ranges) {
-        if (!reset)
-            notify([&](OrgChartListener& l) { l.membersAboutToBeInserted(first, last); });
-        m_members.insert(m_members.begin() + first, std::make_move_iterator(members.begin() + static_cast<long>(next)),
-            std::make_move_iterator(members.begin() + static_cast<long>(next) + (last - first + 1)));
-        next += static_cast<size_t>(last - first + 1);
-        if (!reset)
-            notify([&](OrgChartListener& l) { l.membersInserted(first, last); });
-    }
-    reindexMembers();
-    if (reset)
+        std::vector<MemberRecord> merged;
+        merged.reserve(m_members.size() + members.size());
+        auto old = m_members.begin();
+        size_t next = 0;
+        for (int row = 0; row < static_cast<int>(m_members.size() + members.size()); ++row) {
+            const bool fresh = next < rows.size() && rows[next] == row;
+            merged.push_back(std::move(fresh ? members[next++] : *old++));
+        }
+        m_members = std::move(merged);
+        reindexMembers();
         notify([](OrgChartListener& l) { l.memberListReset(); });
+    } else {
+        size_t next = 0;
+        for (const auto& [first, last] : ranges) {
+            notify([&](OrgChartListener& l) { l.membersAboutToBeInserted(first, last); });
+            const auto from = members.begin() + static_cast<long>(next);
+            m_members.insert(m_members.begin() + first, std::make_move_iterator(from),
+                std::make_move_iterator(from + (last - first + 1)));
+            next += static_cast<size_t>(last - first + 1);
+            reindexMembers();
+            notify([&](OrgChartListener& l) { l.membersInserted(first, last); });
+        }
+    }
     for (const int row : rows)
         notifyPlacementsChanged(m_members[static_cast<size_t>(row)].K_MemberID);
 }
