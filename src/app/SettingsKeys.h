@@ -54,4 +54,9 @@ inline const QString kMailUser = QStringLiteral("MailUser");
 inline const QString kMailPassword = QStringLiteral("MailPassword");
 inline const QString kMailSenderAddress = QStringLiteral("MailSenderAddress");
 
+// The product's web addresses (values under kSableManager).
+inline const QString kHelpUrl = QStringLiteral("HelpURL");
+inline const QString kProductHomeUrl = QStringLiteral("ProductHomeURL");
+inline const QString kUpgradeUrl = QStringLiteral("UpgradeURL");
+
 } // namespace sable::Keys
