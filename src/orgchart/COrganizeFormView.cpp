@@ -17,7 +17,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMessageBox>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QTableView>
@@ -180,8 +179,7 @@ QModelIndex COrganizeFormView::memberIndex(int row, int column) const
 
 bool COrganizeFormView::ask(const QString& question)
 {
-    return QMessageBox::question(this, window()->windowTitle(), question, QMessageBox::Yes | QMessageBox::No)
-        == QMessageBox::Yes;
+    return m_prompter.askYesNo(this, question);
 }
 
 // --- Commands -------------------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 
 #include "app/Balloon.h"
 #include "app/ChartEdits.h"
+#include "ui/Prompter.h"
 
 #include <QWidget>
 
@@ -31,6 +32,7 @@ public:
     ~COrganizeFormView() override;
 
     void setBalloonHelp(bool on);
+    void setPrompter(Prompter prompter) { m_prompter = std::move(prompter); }
     QTreeView* tree() const { return m_tree; }
     QTableView* memberList() const { return m_list; }
     OrgTreeModel* treeModel() const { return m_treeModel; }
@@ -79,6 +81,7 @@ private:
     QLineEdit* m_search;
     QCheckBox* m_noDepartment;
     QTimer* m_searchDelay;
+    Prompter m_prompter = Prompter::messageBoxes();
     bool m_bBalloonHelp = true;
     bool m_bRevertingRow = false;
 };

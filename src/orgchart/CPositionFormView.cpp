@@ -11,7 +11,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
-#include <QMessageBox>
 #include <QSplitter>
 #include <QStyledItemDelegate>
 #include <QTableView>
@@ -19,7 +18,6 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
-#include <set>
 
 namespace sable {
 namespace {
@@ -103,8 +101,7 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     m_grid->horizontalHeader()->setStretchLastSection(true);
 
     connect(m_rankModel, &QAbstractItemModel::modelReset, m_tree, &QTreeView::expandAll);
-    connect(m_rankModel, &RankTreeModel::messageRequested, this,
-        [this](const QString& text) { QMessageBox::warning(this, window()->windowTitle(), text); });
+    connect(m_rankModel, &RankTreeModel::messageRequested, this, [this](const QString& text) { m_prompter.warn(this, text); });
     connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this, &CPositionFormView::selectionChanged);
     connect(m_tree, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
         const QModelIndex index = m_tree->indexAt(pos);
@@ -163,10 +160,7 @@ void CPositionFormView::renameRank()
 
 void CPositionFormView::deleteRank()
 {
-    RankEdits(m_doc).deleteRank(selectedRank(), [this](const QString& question) {
-        return QMessageBox::question(this, window()->windowTitle(), question, QMessageBox::Yes | QMessageBox::No)
-            == QMessageBox::Yes;
-    });
+    RankEdits(m_doc).deleteRank(selectedRank(), [this](const QString& question) { return m_prompter.askYesNo(this, question); });
     showHints();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/Prompter.h"
+
 #include <QWidget>
 
 class QTableView;
@@ -22,6 +24,7 @@ public:
     CPositionFormView(CSableManagerDoc& doc, QWidget* parent = nullptr);
 
     void setBalloonHelp(bool on) { m_bBalloonHelp = on; }
+    void setPrompter(Prompter prompter) { m_prompter = std::move(prompter); }
     QTreeView* rankTree() const { return m_tree; }
     QTableView* membershipList() const { return m_grid; }
     RankTreeModel* rankModel() const { return m_rankModel; }
@@ -47,6 +50,7 @@ private:
     MembershipRankModel* m_membershipModel;
     QTreeView* m_tree;
     QTableView* m_grid;
+    Prompter m_prompter = Prompter::messageBoxes();
     bool m_bBalloonHelp = true;
 };
 
