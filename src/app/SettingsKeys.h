@@ -30,4 +30,11 @@ inline const QString kGroupInfo = QStringLiteral("GroupInfo");
 inline const QString kSettingInfo = QStringLiteral("SettingInfo");
 inline const QString kVersion = QStringLiteral("Version");
 
+// Which service manager runs the server's services, under kSableManager: "scm", "supervisord" or
+// "none", and where the supervisor listens.
+inline const QString kServiceManager = QStringLiteral("ServiceManager");
+inline const QString kSupervisorUrl = QStringLiteral("SupervisorURL");
+inline const QString kSupervisorUser = QStringLiteral("SupervisorUser");
+inline const QString kSupervisorPassword = QStringLiteral("SupervisorPassword");
+
 } // namespace sable::Keys

@@ -47,5 +47,6 @@ std::optional<QString> takeOption(QStringList& args, const QString& name, bool* 
 std::vector<Command> configCommands();
 std::vector<Command> dbCommands();
 std::vector<Command> notifyCommands();
+std::vector<Command> servicesCommands();
 
 } // namespace sable::ctl
