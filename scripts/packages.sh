@@ -10,4 +10,5 @@ run_packages=(
 )
 test_packages=(
     postgresql libsqliteodbc odbc-postgresql python3 xvfb xauth fonts-nanum
+    supervisor g++-mingw-w64-x86-64 wine64
 )

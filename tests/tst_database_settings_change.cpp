@@ -116,8 +116,8 @@ void TestDatabaseSettingsChange::outcome()
     QVERIFY(!change.isRunning());
     QCOMPARE(restarts, restarted ? 1 : 0);
 
-    const QByteArray notice = "port=16203 length=32 hex="
-        + ChangeNotice::bytes(ChangeNotice::Kind::ReloadDatabase).toHex() + '\n';
+    const QByteArray notice
+        = "port=16203 length=32 hex=" + ChangeNotice::bytes(ChangeNotice::Kind::ReloadDatabase).toHex() + '\n';
     if (expected == Outcome::Changed && serverListening)
         QTRY_COMPARE(newDatagrams(logStart), notice);
     QTest::qWait(100);
