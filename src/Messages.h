@@ -35,6 +35,8 @@ inline const QString kSetDbLogin = QStringLiteral("로그인:");
 inline const QString kSetDbUser = QStringLiteral("사용자:");
 inline const QString kSetDbPassword = QStringLiteral("암호:");
 inline const QString kSetDbTest = QStringLiteral("연결 테스트");
+inline const QString kSetDbOk = QStringLiteral("확인");
+inline const QString kSetDbCancel = QStringLiteral("취소");
 inline const QString kSetDbTestSucceeded = QStringLiteral("연결에 성공했습니다.");
 inline const QString kSetDbFileWillBeCreated
     = QStringLiteral("파일이 없습니다. 확인을 누르면 새 데이터베이스를 만듭니다.");

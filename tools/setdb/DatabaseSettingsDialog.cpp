@@ -75,6 +75,8 @@ DatabaseSettingsDialog::DatabaseSettingsDialog(StartupConfig config, QWidget* pa
     m_result->setWordWrap(true);
     m_result->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    buttons->button(QDialogButtonBox::Ok)->setText(Msg::kSetDbOk);
+    buttons->button(QDialogButtonBox::Cancel)->setText(Msg::kSetDbCancel);
     auto* test = buttons->addButton(Msg::kSetDbTest, QDialogButtonBox::ActionRole);
     connect(test, &QPushButton::clicked, this, &DatabaseSettingsDialog::testConnection);
     connect(buttons, &QDialogButtonBox::accepted, this, &DatabaseSettingsDialog::accept);
