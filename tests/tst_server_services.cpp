@@ -131,10 +131,8 @@ void TestServerServices::onlyCheckDStoppedDisablesStart()
     QVERIFY(control.stopService(ServerServices::kCheckD));
 
     QSignalSpy changed(&control, &ServerServiceControl::statesChanged);
-    QElapsedTimer clock;
-    clock.start();
     control.startRefreshing(50);
-    QVERIFY(clock.elapsed() < 50); // the refresh runs on a worker
+    QVERIFY(control.states().isEmpty()); // the states are read on a worker, never while the caller waits
     QTRY_VERIFY(!changed.isEmpty());
     QCOMPARE(control.states().value(ServerServices::kCheckD).status.state, ServiceState::Stopped);
     QVERIFY(!control.isStartEnabled());

@@ -86,8 +86,6 @@ private Q_SLOTS:
     void startWait();
     void stopWaitsForStopped();
     void interruptedSleepEndsTheWait();
-    void isRunning_data();
-    void isRunning();
 };
 
 void TestServiceWait::waitStep_data()
@@ -195,28 +193,6 @@ void TestServiceWait::interruptedSleepEndsTheWait()
     QVERIFY(!controller.startService("SableD"));
     QCOMPARE(slept, 1);
     QCOMPARE(service->queries, 1);
-}
-
-void TestServiceWait::isRunning_data()
-{
-    QTest::addColumn<ServiceReply>("reply");
-    QTest::addColumn<bool>("running");
-    QTest::newRow("running") << status(ServiceState::Running, 0, 0) << true;
-    QTest::newRow("start pending") << status(ServiceState::StartPending, 0, 0) << false;
-    QTest::newRow("stop pending") << status(ServiceState::StopPending, 0, 0) << false;
-    QTest::newRow("missing") << outcome(ServiceOutcome::DoesNotExist) << false;
-    QTest::newRow("unreachable") << outcome(ServiceOutcome::Unavailable) << false;
-}
-
-void TestServiceWait::isRunning()
-{
-    QFETCH(ServiceReply, reply);
-    QFETCH(bool, running);
-    FakeClock clock;
-    const ServiceController controller(
-        std::make_shared<ScriptedService>(outcome(ServiceOutcome::Done), std::vector {reply}), clock.clock());
-    QCOMPARE(controller.isRunning("SableD"), running);
-    QVERIFY(clock.sleeps.empty());
 }
 
 QTEST_GUILESS_MAIN(TestServiceWait)
