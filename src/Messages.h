@@ -13,6 +13,138 @@ inline const QString kConnectionStringEmpty = QStringLiteral("연결 문자열�
 inline const QString kConnectionStringUnsupported = QStringLiteral("지원하지 않는 연결 문자열입니다: %1");
 inline const QString kNotConnected = QStringLiteral("데이터베이스에 연결되어 있지 않습니다.");
 
+// Organisation chart
+inline const QString kNoRank = QStringLiteral("직급없음");
+inline const QString kLoadOpening = QStringLiteral("데이터 베이스를 열고 있습니다.");
+inline const QString kLoadMembers = QStringLiteral("사용자 정보를 읽어오고 있습니다.");
+inline const QString kLoadGroups = QStringLiteral("그룹 정보를 읽어오고 있습니다.");
+inline const QString kLoadRelations = QStringLiteral("그룹에 사용자를 추가중입니다.");
+inline const QString kLoadOpenFailed = QStringLiteral("데이터 베이스 파일을 여는중 오류가 발생했습니다.");
+inline const QString kLoadReadFailed = QStringLiteral("데이터 베이스를 읽는 중 오류가 발생했습니다.");
+inline const QString kSaveQuestion
+    = QStringLiteral("조직도 및 개인정보가 삭제후  새로 저장됩니다.\n\n저장하시겠습니까?");
+inline const QString kSaveInEditor = QStringLiteral("편집화면에서 저장버튼을 눌러주세요.");
+inline const QString kSaveEmptyIdOrPassword = QStringLiteral("아이디나 비밀번호가 비어있는 아이디가 있습니다.");
+inline const QString kSaveDatabaseError = QStringLiteral("데이터 베이스에 오류가 발생했습니다.");
+
+// File box
+inline const QString kLevelNone = QStringLiteral("권한 없음");
+inline const QString kLevelRead = QStringLiteral("읽기");
+inline const QString kLevelReadWrite = QStringLiteral("읽기/쓰기");
+// Client presentation settings: logo and caption
+inline const QString kLogoTitle = QStringLiteral("로고 설정");
+inline const QString kLogoIntro = QStringLiteral(
+    "세이블메신저 클라이언트의 로그인창과 메인창의 상단에 표기될 아이콘과 로고명을 설정할 수 있습니다.");
+inline const QString kLogoIconHeading = QStringLiteral("☞ 아이콘 설정");
+inline const QString kLogoCaptionHeading = QStringLiteral("☞ 로고 설정");
+inline const QString kLogoCaptionNote = QStringLiteral("※ 한글 11자를 넘지 못합니다.");
+inline const QString kLogoDefaultIcon = QStringLiteral("기본아이콘");
+inline const QString kLogoUserIcon = QStringLiteral("사용자정의 아이콘");
+inline const QString kLogoBrowse = QStringLiteral("찾기");
+inline const QString kLogoOk = QStringLiteral("확인(&O)");
+inline const QString kLogoCancel = QStringLiteral("취소(&C)");
+inline const QString kIconFileDialogTitle = QStringLiteral("아이콘파일 찾기");
+inline const QString kIconFileFilter = QStringLiteral("ico Files (*.ico)");
+inline const QString kIconOpenFailed = QStringLiteral("파일열기 실패");
+inline const QString kIconTooLarge = QStringLiteral("10K 미만의 ICO파일로 지정해주시기 바랍니다");
+inline const QString kIconNotAnIcon
+    = QStringLiteral("아이콘(ICO) 형식의 파일이 아닙니다. ICO파일로 지정해주시기 바랍니다");
+inline const QString kLogoPreview = QStringLiteral("미리 보기");
+inline const QString kSendFailed = QStringLiteral("전송 실패");
+
+// Client presentation settings: home page links
+inline const QString kHomePageTitle = QStringLiteral("홈페이지 설정");
+inline const QString kHomePageIntro = QStringLiteral(
+    "세이블메신저 클라이언트 상단의 [홈페이지로 이동]버튼 클릭 시 이동하게 될 주소를 설정할 수 있습니다.");
+inline const QString kHomePageHeading = QStringLiteral("☞ 홈페이지 주소 입력");
+inline const QString kHomePageExample
+    = QStringLiteral("예) http://www.example.com\n     http://mail.example.com/login.asp?id=%ID&pass=%PASS");
+inline const QString kHomePageNameColumn = QStringLiteral("표시이름");
+inline const QString kHomePageAddressColumn = QStringLiteral("사이트 주소");
+inline const QString kHomePageAdd = QStringLiteral("추가(&A)");
+inline const QString kHomePageRemove = QStringLiteral("삭제(&D)");
+inline const QString kHomePageEdit = QStringLiteral("편집(&E)");
+inline const QString kHomePageUp = QStringLiteral("위로");
+inline const QString kHomePageDown = QStringLiteral("아래로");
+inline const QString kHomePageOk = QStringLiteral("확인 (&O)");
+inline const QString kHomePageCancel = QStringLiteral("취소 (&C)");
+inline const QString kHomePageVendorName = QStringLiteral("세이블메신저 홈페이지");
+inline const QString kHomePageListFull = QStringLiteral("더이상 추가하실수 없습니다.");
+inline const QString kAddSiteTitle = QStringLiteral("사이트 추가");
+inline const QString kEditSiteTitle = QStringLiteral("사이트 편집");
+inline const QString kAddSiteName = QStringLiteral("표시될 이름:");
+inline const QString kAddSiteAddress = QStringLiteral("사이트주소(필수):");
+inline const QString kAddSiteNote = QStringLiteral("* 표시될 이름을 기입하지 않으면 사이트주소가 표시됩니다.");
+inline const QString kAddSiteForbidden
+    = QStringLiteral("표시이름과 사이트 주소에 다음 문자를 입력하실수 없습니다.\n\t%1");
+inline const QString kAddSiteEmpty = QStringLiteral("값을 입력되지 않았습니다.");
+inline const QString kOk = QStringLiteral("확인");
+inline const QString kCancel = QStringLiteral("취소");
+
+// Client presentation settings: file session servers
+inline const QString kFileServerTitle = QStringLiteral("파일 서버 설정");
+inline const QString kFileServerEditTitle = QStringLiteral("파일 서버 추가/편집");
+inline const QString kFileServerAddressColumn = QStringLiteral("IP 주소");
+inline const QString kFileServerPortColumn = QStringLiteral("Port 번호");
+inline const QString kFileServerUsageColumn = QStringLiteral("사용여부");
+inline const QString kFileServerEnabled = QStringLiteral("사용함");
+inline const QString kFileServerDisabled = QStringLiteral("사용안함");
+inline const QString kFileServerAdd = QStringLiteral("추가(&A)");
+inline const QString kFileServerRemove = QStringLiteral("제거(&R)");
+inline const QString kFileServerEdit = QStringLiteral("편집(&E)");
+inline const QString kFileServerUse = QStringLiteral("이 서버를 사용함(&U)");
+inline const QString kFileServerNote
+    = QStringLiteral("주의: 파일서버가 실행중인지 확인하신 이후에 추가 또는 편집 해주시기 바랍니다.");
+
+// Registration mail
+inline const QString kRegistrationMailCommand = QStringLiteral("등록메일(설치파일) 전송(&M)");
+inline const QString kRegistrationMailTitle = QStringLiteral("등록메일(설치파일) 전송");
+inline const QString kMailSenderNamePrompt = QStringLiteral("☞보내는 사람의 이름을 입력하세요(&N)");
+inline const QString kMailSubjectPrompt = QStringLiteral("☞발송 메일의 제목을 입력하세요(&S)");
+inline const QString kMailMemoPrompt = QStringLiteral("☞메일에 추가할 내용을 입력하세요(&A)");
+inline const QString kMailRecipientHint
+    = QStringLiteral("☞조직도 편집의 사원목록 리스트에서 사원선택을 하신 후 오른쪽 버튼을 누르시면 됩니다.");
+inline const QString kMailSendButton = QStringLiteral("메일전송(&M)");
+inline const QString kMailResetButton = QStringLiteral("초기화(D)");
+inline const QString kMailCancelButton = QStringLiteral("취소(&C)");
+inline const QString kMailDefaultSenderName = QStringLiteral("세이블관리자");
+inline const QString kMailDefaultSubject = QStringLiteral("Sable Server에 등록되셨습니다.");
+inline const QString kMailDefaultMemo = QStringLiteral(
+    "안녕하세요?\r\nSable Messenger에 등록된 사용자 정보를 발송합니다.\r\n아래의 등록정보(서버주소,아이디,비밀번호)로 "
+    "로그인하시고, 비밀번호를 변경해주세요.");
+inline const QString kRecipientName = QStringLiteral("이름");
+inline const QString kRecipientId = QStringLiteral("아이디");
+inline const QString kRecipientEmail = QStringLiteral("E-Mail");
+inline const QString kRecipientPassword = QStringLiteral("암호");
+inline const QString kRecipientResult = QStringLiteral("결과");
+inline const QString kMailSent = QStringLiteral("성공");
+inline const QString kMailFailed = QStringLiteral("실패");
+inline const QString kTemplateOpenFailed = QStringLiteral("템플릿 파일을 여는데 실패했습니다.");
+inline const QString kMailSendingDone = QStringLiteral("메일을 전송이 끝났습니다.");
+inline const QString kMailTransportError = QStringLiteral("메일 전송 도중 오류가 발생하였습니다.");
+inline const QString kMailStopButton = QStringLiteral("전송 중지(&T)");
+inline const QString kMailServerButton = QStringLiteral("메일 서버 설정(&E)...");
+inline const QString kMailServerNotSet
+    = QStringLiteral("메일 서버가 설정되지 않았습니다. 메일 서버 설정에서 서버 주소와 보내는 사람 주소를 입력하세요.");
+inline const QString kMailServerTitle = QStringLiteral("메일 서버 설정");
+inline const QString kMailServerHost = QStringLiteral("서버 주소(&H)");
+inline const QString kMailServerPort = QStringLiteral("포트(&P)");
+inline const QString kMailServerSecurity = QStringLiteral("보안 연결(&S)");
+inline const QString kMailSecurityNone = QStringLiteral("없음");
+inline const QString kMailSecurityStartTls = QStringLiteral("STARTTLS");
+inline const QString kMailSecurityTls = QStringLiteral("SSL/TLS");
+inline const QString kMailServerUser = QStringLiteral("로그인 이름(&U)");
+inline const QString kMailServerPassword = QStringLiteral("암호(&W)");
+inline const QString kMailServerPasswordKept = QStringLiteral("저장된 암호를 쓰려면 비워 두세요");
+inline const QString kMailServerSender = QStringLiteral("보내는 사람 주소(&F)");
+inline const QString kMailServerTestButton = QStringLiteral("연결 시험(&T)");
+inline const QString kMailServerTesting = QStringLiteral("서버에 연결하고 있습니다...");
+inline const QString kMailServerTestPassed = QStringLiteral("연결에 성공했습니다.");
+inline const QString kMailServerTestFailed = QStringLiteral("연결에 실패했습니다.");
+inline const QString kMailServerOkButton = QStringLiteral("확인");
+inline const QString kMailServerCancelButton = QStringLiteral("취소");
+inline const QString kMailServerSaveFailed = QStringLiteral("메일 서버 설정을 저장하지 못했습니다.");
+
 // Server control
 inline const QString kServiceStartFailed = QStringLiteral("%1 서비스 실행에 실패했습니다.");
 inline const QString kDatabaseSettingsChanged

@@ -12,15 +12,6 @@
 
 using namespace sable;
 
-namespace {
-
-QString sqliteOdbc(const QString& path)
-{
-    return QStringLiteral("DRIVER=SQLite3;Database=%1;").arg(path);
-}
-
-} // namespace
-
 class TestDbConnection : public QObject
 {
     Q_OBJECT
@@ -133,29 +124,12 @@ void TestDbConnection::engines_data()
     addEngineRows();
 }
 
-// Opens a fresh, empty database of `kind` and returns its connection string.
-static QString freshDatabase(const QString& kind, const TempHome& home, const PgServer& pg)
-{
-    if (kind.startsWith(QLatin1String("sqlite"))) {
-        const QString file = home.path(kind + QStringLiteral(".db"));
-        QFile::remove(file);
-        DbConnection create;
-        if (!create.open(sqliteConnectionString(file) + QStringLiteral(";FailIfMissing=False")))
-            return {};
-        return kind == QLatin1String("sqlite") ? sqliteConnectionString(file) : sqliteOdbc(file);
-    }
-    const QString database = QStringLiteral("engine_%1").arg(QString(kind).replace(u'-', u'_'));
-    if (!pg.createDatabase(database))
-        return {};
-    return kind == QLatin1String("postgresql") ? pg.connectionString(database) : pg.odbcConnectionString(database);
-}
-
 void TestDbConnection::engines()
 {
     QFETCH(QString, kind);
     if (kind.startsWith(QLatin1String("postgresql")))
         SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
-    const QString text = freshDatabase(kind, m_home, m_pg);
+    const QString text = freshDatabase(kind, m_home, m_pg, false);
     QVERIFY(!text.isEmpty());
 
     DbConnection db;
@@ -233,7 +207,7 @@ void TestDbConnection::errorText()
             ? m_pg.connectionString(QStringLiteral("sable"), QStringLiteral("sable"), QStringLiteral("wrong"))
             : m_pg.odbcConnectionString(QStringLiteral("sable"), QStringLiteral("wrong"));
     else
-        text = freshDatabase(kind, m_home, m_pg);
+        text = freshDatabase(kind, m_home, m_pg, false);
 
     DbConnection db;
     const bool opened = db.open(text);
@@ -312,7 +286,7 @@ void TestDbConnection::schemaNeverTouchesExistingTables()
     QFETCH(QString, kind);
     if (kind.startsWith(QLatin1String("postgresql")))
         SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
-    const QString text = freshDatabase(kind, m_home, m_pg);
+    const QString text = freshDatabase(kind, m_home, m_pg, false);
     DbConnection db;
     QVERIFY(db.open(text));
     QVERIFY(db.executeNoRecords(

@@ -1,6 +1,7 @@
 // sablectl as a script uses it: commands, their output and their exit codes.
 
 #include "TestSupport.h"
+#include "db/ConnectionString.h"
 
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -14,6 +15,9 @@ private Q_SLOTS:
     void newFolderToDemo();
     void exitCodes_data();
     void exitCodes();
+    void chartExportImportRoundTrip();
+    void chartImportRefusals_data();
+    void chartImportRefusals();
 
 private:
     struct Result
@@ -32,6 +36,7 @@ TestSablectl::Result TestSablectl::run(const TempHome& home, const QStringList& 
     env.insert(QStringLiteral("SABLE_REGISTRY_DIR"), home.registryFolder());
     env.remove(QStringLiteral("SABLE_HOME"));
     process.setProcessEnvironment(env);
+    process.setStandardInputFile(QProcess::nullDevice());
     process.start(QStringLiteral(SABLECTL_PATH), args);
     Result result;
     if (!process.waitForFinished(60000))
@@ -95,6 +100,81 @@ void TestSablectl::exitCodes()
     const Result result = run(home, args);
     QCOMPARE(result.code, code);
     QVERIFY2(result.err.contains(stderrHas), qPrintable(result.err));
+}
+
+void TestSablectl::chartExportImportRoundTrip()
+{
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QCOMPARE(
+        run(home,
+            {QStringLiteral("--home"), folder, QStringLiteral("db"), QStringLiteral("init"), QStringLiteral("--demo")})
+            .code,
+        0);
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const QStringList before = tableDump(database);
+
+    const Result exported
+        = run(home, {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("export")});
+    QCOMPARE(exported.code, 0);
+    QVERIFY(exported.out.contains(QStringLiteral("\"GroupName\": \"세이블상사\"")));
+    home.writeFile(QStringLiteral("chart.json"), exported.out.toUtf8());
+    const Result imported = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("import"),
+            home.path(QStringLiteral("chart.json")), QStringLiteral("--yes")});
+    QVERIFY2(imported.code == 0, qPrintable(imported.err));
+    QCOMPARE(tableDump(database), before);
+
+    // Without --yes the question is asked on the terminal; no answer writes nothing.
+    const Result unanswered = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("import"),
+            home.path(QStringLiteral("chart.json"))});
+    QCOMPARE(unanswered.code, 1);
+    QVERIFY(unanswered.err.contains(QStringLiteral("저장하시겠습니까?")));
+}
+
+void TestSablectl::chartImportRefusals_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("message");
+    const QByteArray ok = "\"ranks\": [], \"folders\": [], \"groupAuthorities\": [], \"userAuthorities\": []";
+    const QByteArray member = "{\"K_MemberID\": 1, \"MemberID\": \"a\", \"MemberName\": \"b\", \"Passwd\": \"%1\", "
+                              "\"Gender\": 0, \"bPublic\": 1, \"Email\": \"\", \"HP\": \"\", \"Address\": \"\", "
+                              "\"HomePhone\": \"\", \"OfficePhone\": \"\", \"BirthDay\": \"\", \"Description\": \"\", "
+                              "\"bSolar\": 1, \"bAdmin\": %2}";
+    QTest::newRow("not json") << QByteArray("{\"groups\": [") << "not JSON";
+    QTest::newRow("wrong type") << QByteArray("{\"groups\": [{\"K_GroupID\": \"1\", \"GroupName\": \"x\", "
+                                              "\"K_GroupID_P\": -1, \"Position\": 1, \"Depth\": 0}], \"members\": [], "
+                                              "\"relations\": [], "
+        + ok + "}") << "groups[0].K_GroupID: expected a whole number";
+    QTest::newRow("missing field") << QByteArray("{\"groups\": [], \"members\": ["
+        + QByteArray(member).replace("%1", "pw").replace(", \"bAdmin\": %2", "") + "], \"relations\": [], " + ok + "}")
+                                   << "members[0].bAdmin: expected a whole number";
+    QTest::newRow("empty password") << QByteArray("{\"groups\": [], \"members\": ["
+        + QByteArray(member).replace("%1", "").replace("%2", "0") + "], \"relations\": [], " + ok + "}")
+                                    << "아이디나 비밀번호가 비어있는 아이디가 있습니다.";
+}
+
+void TestSablectl::chartImportRefusals()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QString, message);
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QCOMPARE(
+        run(home,
+            {QStringLiteral("--home"), folder, QStringLiteral("db"), QStringLiteral("init"), QStringLiteral("--demo")})
+            .code,
+        0);
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const QStringList before = tableDump(database);
+    home.writeFile(QStringLiteral("bad.json"), json);
+    const Result result = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("import"),
+            home.path(QStringLiteral("bad.json")), QStringLiteral("--yes")});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.err.contains(message), qPrintable(result.err));
+    QCOMPARE(tableDump(database), before);
 }
 
 QTEST_GUILESS_MAIN(TestSablectl)

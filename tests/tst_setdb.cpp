@@ -13,6 +13,7 @@
 #include "platform/IniFile.h"
 
 #include <QFileInfo>
+#include <QProcess>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTest>
@@ -109,6 +110,8 @@ private:
     // An embedded database holding the demo organisation, in use by `home`.
     static void useDemoChart(const TempHome& home);
     QString freshPostgreSql(const QString& name) const;
+    // The chart as "sablectl chart export" prints it from the database `home` uses.
+    static QByteArray exportedChart(const TempHome& home);
 
     PgServer m_pg;
 };
@@ -134,6 +137,19 @@ void TestSetDb::useDemoChart(const TempHome& home)
     QCOMPARE(StartupSteps::ensureEmbeddedDatabase(config), StartupSteps::EmbeddedDatabase::Created);
     DbConnection connection = ServerDatabase::connect(config, nullptr);
     QVERIFY(DemoOrganisation::write(connection));
+}
+
+QByteArray TestSetDb::exportedChart(const TempHome& home)
+{
+    QProcess sablectl;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("SABLE_REGISTRY_DIR"), home.registryFolder());
+    sablectl.setProcessEnvironment(env);
+    sablectl.start(QStringLiteral(SABLECTL_PATH),
+        {QStringLiteral("--home"), home.paths().programFolder, QStringLiteral("chart"), QStringLiteral("export")});
+    if (!sablectl.waitForFinished(60000) || sablectl.exitCode() != 0)
+        return "sablectl failed: " + sablectl.readAllStandardError();
+    return sablectl.readAllStandardOutput();
 }
 
 QString TestSetDb::freshPostgreSql(const QString& name) const
@@ -240,6 +256,8 @@ void TestSetDb::chartMovesToPostgreSql()
     SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
     TempHome home;
     useDemoChart(home);
+    const QByteArray chartBefore = exportedChart(home);
+    QVERIFY2(chartBefore.startsWith('{'), chartBefore.constData());
     const QString database = freshPostgreSql(QStringLiteral("setdb_move"));
     QVERIFY(!database.isEmpty());
     DatabaseSettingsDialog dialog(home.config());
@@ -264,6 +282,7 @@ void TestSetDb::chartMovesToPostgreSql()
         if (table == QLatin1String("SD_Member"))
             QCOMPARE(rows.size(), 40);
     }
+    QCOMPARE(exportedChart(home), chartBefore);
 }
 
 void TestSetDb::failedCopyKeepsOldSettings()

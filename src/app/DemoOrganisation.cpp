@@ -1,8 +1,11 @@
 #include "app/DemoOrganisation.h"
 
+#include "app/CSableManagerDoc.h"
+#include "app/ChartSave.h"
 #include "db/DbConnection.h"
+#include "orgchart/ChartBuilder.h"
 
-#include <QVariantList>
+#include <QMap>
 
 namespace sable::DemoOrganisation {
 namespace {
@@ -108,86 +111,57 @@ QString text(const char* utf8)
     return QString::fromUtf8(utf8);
 }
 
-bool run(DbConnection& connection, const QString& sql, const QVariantList& values)
+MemberRecord demoMember(int id, const DemoMember& m)
 {
-    return connection.executeNoRecords(sql, values);
+    MemberRecord member;
+    member.K_MemberID = id;
+    member.MemberID = text(m.login);
+    member.MemberName = text(m.name);
+    member.Passwd = QStringLiteral("sable1234");
+    member.Gender = m.gender;
+    member.Email = member.MemberID + QStringLiteral("@example.com");
+    member.HP = text(m.mobile);
+    member.Address = QStringLiteral("서울특별시 중구 세종대로 110");
+    member.OfficePhone = QStringLiteral("02-3700-%1").arg(1000 + id);
+    member.BirthDay = text(m.birthday);
+    member.bAdmin = m.rank <= 3;
+    return member;
 }
 
-int depthOf(int group)
+// Builds the demo as stored rows: members of a department come before its sub-departments.
+void buildChart(OrgChart& chart)
 {
-    int depth = 0;
-    for (int parent = kGroups[group - 1].parent; parent != -1; parent = kGroups[parent - 1].parent)
-        ++depth;
-    return depth;
-}
-
-bool writeGroupsAndMembers(DbConnection& connection)
-{
-    // Members come before sub-departments among a department's children, as the console shows them.
-    QMap<int, int> nextPosition;
+    ChartBuilder builder(chart);
     QMap<int, int> memberCount;
     for (const DemoMember& member : kMembers)
         ++memberCount[member.group];
     ++memberCount[kSecondPlacementGroup];
+    QMap<int, int> nextPosition;
     for (const DemoGroup& group : kGroups) {
         const int position = group.parent == -1 ? 1 : memberCount[group.parent] + ++nextPosition[group.parent];
-        if (!run(connection,
-                QStringLiteral(
-                    "INSERT INTO SD_Group (K_GroupID,GroupName,K_GroupID_P,Position,Depth) VALUES (?,?,?,?,?)"),
-                {group.id, text(group.name), group.parent, position, depthOf(group.id)}))
-            return false;
+        builder.addGroup({group.id, text(group.name), group.parent, position, 0});
     }
     QMap<int, int> placed;
     for (int i = 0; i < static_cast<int>(std::size(kMembers)); ++i) {
         const DemoMember& m = kMembers[i];
-        const int id = i + 1;
-        const QString login = text(m.login);
-        if (!run(connection,
-                QStringLiteral("INSERT INTO SD_Member (K_MemberID,MemberID,MemberName,Passwd,Gender,bPublic,Email,HP,"
-                               "Address,HomePhone,OfficePhone,BirthDay,Description,bSolar,bAdmin) "
-                               "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"),
-                {id, login, text(m.name), QStringLiteral("sable1234"), m.gender, 1,
-                    QString(login + QStringLiteral("@example.com")), text(m.mobile),
-                    QStringLiteral("서울특별시 중구 세종대로 110"), QStringLiteral(""),
-                    QStringLiteral("02-3700-%1").arg(1000 + id), text(m.birthday), QStringLiteral(""), 1,
-                    m.rank <= 3 ? 1 : 0}))
-            return false;
-        if (m.group != 0
-            && !run(connection,
-                QStringLiteral("INSERT INTO SD_Relation (K_MemberID,K_GroupID,K_RankID,Position) VALUES (?,?,?,?)"),
-                {id, m.group, m.rank, ++placed[m.group]}))
-            return false;
+        builder.addMember(demoMember(i + 1, m));
+        if (m.group != 0)
+            builder.addRelation({i + 1, m.group, m.rank, ++placed[m.group]});
     }
-    return run(connection,
-        QStringLiteral("INSERT INTO SD_Relation (K_MemberID,K_GroupID,K_RankID,Position) VALUES (?,?,?,?)"),
-        {kSecondPlacementMember, kSecondPlacementGroup, 4, ++placed[kSecondPlacementGroup]});
+    builder.addRelation({kSecondPlacementMember, kSecondPlacementGroup, 4, ++placed[kSecondPlacementGroup]});
+    builder.finish();
 }
 
-bool writeRanksAndFolders(DbConnection& connection)
+void buildRanksAndFolders(RankList& ranks, FileBoxLists& fileBox)
 {
-    for (int i = 0; i < static_cast<int>(std::size(kRanks)); ++i) {
-        if (!run(connection, QStringLiteral("INSERT INTO SD_Rank (K_RankID,RankName) VALUES (?,?)"),
-                {i + 1, text(kRanks[i])}))
-            return false;
-    }
-    for (const DemoFolder& folder : kFolders) {
-        if (!run(connection, QStringLiteral("INSERT INTO SB_Folder (K_FolderID,FolderPath) VALUES (?,?)"),
-                {folder.id, text(folder.path)}))
-            return false;
-    }
-    for (const DemoAuthority& a : kGroupAuthorities) {
-        if (!run(connection,
-                QStringLiteral("INSERT INTO SB_GroupAuthority (K_FolderID,K_GroupID,Authority) VALUES (?,?,?)"),
-                {a.folder, a.grantee, text(a.level)}))
-            return false;
-    }
-    for (const DemoAuthority& a : kUserAuthorities) {
-        if (!run(connection,
-                QStringLiteral("INSERT INTO SB_UserAuthority (K_FolderID,K_MemberID,Authority) VALUES (?,?,?)"),
-                {a.folder, a.grantee, text(a.level)}))
-            return false;
-    }
-    return true;
+    for (int i = 0; i < static_cast<int>(std::size(kRanks)); ++i)
+        ranks.insert(i, {i + 1, text(kRanks[i])});
+    for (const DemoFolder& folder : kFolders)
+        fileBox.folders.push_back({folder.id, text(folder.path)});
+    for (const DemoAuthority& a : kGroupAuthorities)
+        fileBox.groupAuthorities.push_back({a.folder, a.grantee, FileBoxLists::levelFromText(text(a.level))});
+    for (const DemoAuthority& a : kUserAuthorities)
+        fileBox.userAuthorities.push_back({a.folder, a.grantee, FileBoxLists::levelFromText(text(a.level))});
 }
 
 int countRows(DbConnection& connection, const QString& table)
@@ -204,11 +178,21 @@ bool isChartEmpty(DbConnection& connection)
         && countRows(connection, QStringLiteral("SD_Group")) == 0;
 }
 
+ChartContents contents()
+{
+    ChartContents demo;
+    buildChart(*demo.chart);
+    buildRanksAndFolders(demo.ranks, demo.fileBox);
+    return demo;
+}
+
 bool write(DbConnection& connection)
 {
+    CSableManagerDoc doc;
+    doc.adopt(contents());
     if (!connection.beginTrans())
         return false;
-    if (writeGroupsAndMembers(connection) && writeRanksAndFolders(connection) && connection.commitTrans())
+    if (ChartSave::writeTables(connection, doc) && connection.commitTrans())
         return true;
     connection.rollbackTrans();
     return false;

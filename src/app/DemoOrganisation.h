@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/CSableManagerDoc.h"
+
 namespace sable {
 
 class DbConnection;
@@ -12,7 +14,11 @@ namespace DemoOrganisation {
 // True when the chart tables hold no member and no group.
 bool isChartEmpty(DbConnection& connection);
 
-// Writes the demo rows in one transaction; false (and nothing written) on failure.
+// The demo as a document's contents.
+ChartContents contents();
+
+// Writes the demo with the chart's own table writers in one transaction; false (and nothing
+// written) on failure.
 bool write(DbConnection& connection);
 
 } // namespace DemoOrganisation

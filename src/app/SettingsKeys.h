@@ -19,6 +19,7 @@ inline const QString kMajorVersion = QStringLiteral("MajorVersion");
 inline const QString kConnectionString = QStringLiteral("ConnectionString");
 inline const QString kDatabaseType = QStringLiteral("Type");
 inline const QString kCustomPasvIp = QStringLiteral("Custom PASV IP");
+inline const QString kHomeDirectory = QStringLiteral("Home Directory");
 inline const QString kSqlServerOdbcDriver = QStringLiteral("SqlServerOdbcDriver");
 
 inline const QString kDBInfo = QStringLiteral("DBInfo");
@@ -29,6 +30,29 @@ inline const QString kPWD = QStringLiteral("PWD");
 inline const QString kGroupInfo = QStringLiteral("GroupInfo");
 inline const QString kSettingInfo = QStringLiteral("SettingInfo");
 inline const QString kVersion = QStringLiteral("Version");
+
+// Client presentation settings: [SettingInfo] of Serverinfo.ini, the file session servers' values
+// under kSessionDInfo, and the console's own choice of the vendor's home page host.
+inline const QString kDefaultIcon = QStringLiteral("bDefaultIcon");
+inline const QString kUserDefineIconPath = QStringLiteral("UserDefineIconPath");
+inline const QString kCaptionBarName = QStringLiteral("CaptionBarName");
+inline const QString kLogoVersionRead = QStringLiteral("VERSION"); // the same key as kVersion, read so
+inline const QString kHomePageURL = QStringLiteral("HomePageURL");
+inline const QString kHomePageURL2 = QStringLiteral("HomePageURL2");
+inline const QString kVendorHomePageHost = QStringLiteral("VendorHomePageHost");
+inline const QString kSessionDCount = QStringLiteral("SessionDCount");
+inline const QString kSessionDChanged = QStringLiteral("SessionDChanged");
+inline const QString kSessionDAddress = QStringLiteral("SessionD_%1_Address");
+inline const QString kSessionDPort = QStringLiteral("SessionD_%1_Port");
+inline const QString kSessionDEnable = QStringLiteral("SessionD_%1_Enable");
+
+// The mail server of the registration mail (values under kSableManager).
+inline const QString kMailServer = QStringLiteral("MailServer");
+inline const QString kMailPort = QStringLiteral("MailPort");
+inline const QString kMailSecurity = QStringLiteral("MailSecurity");
+inline const QString kMailUser = QStringLiteral("MailUser");
+inline const QString kMailPassword = QStringLiteral("MailPassword");
+inline const QString kMailSenderAddress = QStringLiteral("MailSenderAddress");
 
 // Which service manager runs the server's services, under kSableManager: "scm", "supervisord" or
 // "none", and where the supervisor listens.

@@ -2,6 +2,8 @@
 
 #include "Messages.h"
 #include "db/ConnectionString.h"
+#include "db/DbRowSource.h"
+#include "db/SqliteNative.h"
 #include "platform/Registry.h"
 
 #include <QLoggingCategory>
@@ -70,12 +72,47 @@ QString formatDbError(const QSqlError& error, const QString& source)
 
 // --- DbRecordset -----------------------------------------------------------------------------------
 
+namespace {
+
+class QueryRows final : public DbRowSource
+{
+public:
+    explicit QueryRows(std::unique_ptr<QSqlQuery> query)
+        : m_query(std::move(query))
+    { }
+    bool next() override { return m_query->next(); }
+    bool isNull(int n) const override { return m_query->isNull(n); }
+    qint64 integer(int n) const override
+    {
+        const QVariant value = m_query->value(n);
+        bool ok = false;
+        const qlonglong number = value.toLongLong(&ok);
+        if (ok)
+            return number;
+        const double real = value.toDouble(&ok);
+        return ok ? static_cast<qint64>(real) : 0;
+    }
+    QString text(int n) const override { return m_query->value(n).toString(); }
+    int fieldCount() const override { return m_query->record().count(); }
+    QString fieldName(int n) const override { return m_query->record().fieldName(n); }
+
+private:
+    std::unique_ptr<QSqlQuery> m_query;
+};
+
+} // namespace
+
 DbRecordset::DbRecordset() = default;
 
-DbRecordset::DbRecordset(std::unique_ptr<QSqlQuery> query)
-    : m_query(std::move(query))
+DbRecordset::DbRecordset(std::unique_ptr<DbRowSource> rows)
+    : m_rows(std::move(rows))
 {
-    m_bEof = !m_query->next();
+    m_bEof = !m_rows->next();
+}
+
+DbRecordset DbRecordset::fromQuery(std::unique_ptr<QSqlQuery> query)
+{
+    return DbRecordset(std::make_unique<QueryRows>(std::move(query)));
 }
 
 DbRecordset::DbRecordset(DbRecordset&&) noexcept = default;
@@ -84,54 +121,45 @@ DbRecordset::~DbRecordset() = default;
 
 void DbRecordset::moveNext()
 {
-    if (m_query && !m_bEof)
-        m_bEof = !m_query->next();
+    if (m_rows && !m_bEof)
+        m_bEof = !m_rows->next();
 }
 
 void DbRecordset::close()
 {
-    m_query.reset();
+    m_rows.reset();
     m_bEof = true;
 }
 
 int DbRecordset::fieldInt(int n) const
 {
-    if (!m_query || m_bEof)
+    if (!m_rows || m_bEof || m_rows->isNull(n))
         return 0;
-    const QVariant value = m_query->value(n);
-    if (value.isNull())
-        return 0;
-    bool ok = false;
-    const qlonglong number = value.toLongLong(&ok);
-    if (ok)
-        return static_cast<int>(number);
-    const double real = value.toDouble(&ok);
-    return ok ? static_cast<int>(real) : 0;
+    return static_cast<int>(m_rows->integer(n));
 }
 
 QString DbRecordset::fieldText(int n) const
 {
-    if (!m_query || m_bEof)
+    if (!m_rows || m_bEof || m_rows->isNull(n))
         return {};
-    return m_query->value(n).toString();
+    return m_rows->text(n);
 }
 
 QString DbRecordset::fieldTextOrNull(int n) const
 {
-    if (!m_query || m_bEof)
+    if (!m_rows || m_bEof)
         return {};
-    const QVariant value = m_query->value(n);
-    return value.isNull() ? QStringLiteral("(null)") : value.toString();
+    return m_rows->isNull(n) ? QStringLiteral("(null)") : m_rows->text(n);
 }
 
 int DbRecordset::fieldCount() const
 {
-    return m_query ? m_query->record().count() : 0;
+    return m_rows ? m_rows->fieldCount() : 0;
 }
 
 QString DbRecordset::fieldName(int n) const
 {
-    return m_query ? m_query->record().fieldName(n) : QString();
+    return m_rows ? m_rows->fieldName(n) : QString();
 }
 
 // --- DbConnection ----------------------------------------------------------------------------------
@@ -246,6 +274,17 @@ DbRecordset DbConnection::execute(const QString& sql, const QVariantList& values
         recordError(notConnectedError());
         return {};
     }
+    if (values.isEmpty()) {
+        if (sqlite3* native = SqliteNative::handle(database())) {
+            QSqlError error;
+            std::unique_ptr<DbRowSource> rows = SqliteNative::select(native, sql, &error);
+            if (!rows) {
+                recordError(error);
+                return {};
+            }
+            return DbRecordset(std::move(rows));
+        }
+    }
     auto query = std::make_unique<QSqlQuery>(database());
     query->setForwardOnly(true);
     bool ok = false;
@@ -260,7 +299,7 @@ DbRecordset DbConnection::execute(const QString& sql, const QVariantList& values
         recordError(query->lastError());
         return {};
     }
-    return DbRecordset(std::move(query));
+    return DbRecordset::fromQuery(std::move(query));
 }
 
 bool DbConnection::executeNoRecords(const QString& sql, const QVariantList& values)

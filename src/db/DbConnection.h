@@ -13,6 +13,7 @@ class QSqlQuery;
 
 namespace sable {
 
+class DbRowSource;
 class Registry;
 
 // The rows of one statement, read forward once: test isEof(), read fields by their position in the
@@ -21,14 +22,14 @@ class DbRecordset
 {
 public:
     DbRecordset();
-    explicit DbRecordset(std::unique_ptr<QSqlQuery> query);
+    explicit DbRecordset(std::unique_ptr<DbRowSource> rows);
     DbRecordset(DbRecordset&&) noexcept;
     DbRecordset& operator=(DbRecordset&&) noexcept;
     ~DbRecordset();
 
     // False for the empty recordset that a failed statement gives.
-    bool isValid() const { return m_query != nullptr; }
-    bool isOpen() const { return m_query != nullptr; }
+    bool isValid() const { return m_rows != nullptr; }
+    bool isOpen() const { return m_rows != nullptr; }
     bool isEof() const { return m_bEof; }
     void moveNext();
     void close();
@@ -43,8 +44,11 @@ public:
     int fieldCount() const;
     QString fieldName(int n) const;
 
+    // Rows of a QSqlQuery that has run.
+    static DbRecordset fromQuery(std::unique_ptr<QSqlQuery> query);
+
 private:
-    std::unique_ptr<QSqlQuery> m_query;
+    std::unique_ptr<DbRowSource> m_rows;
     bool m_bEof = true;
 };
 

@@ -1,6 +1,13 @@
 #include "TestSupport.h"
 
+#include "db/ConnectionString.h"
+#include "db/DbConnection.h"
+#include "db/DbSchema.h"
 #include "platform/RegFileBackend.h"
+
+#include <QSqlRecord>
+
+using sable::DbConnection;
 
 #include <QDir>
 #include <QFile>
@@ -79,4 +86,58 @@ QString PgServer::odbcConnectionString(const QString& database, const QString& p
 {
     return QStringLiteral("DRIVER={PostgreSQL Unicode};Servername=%1;Port=%2;Database=%3;UID=sable;PWD=%4;CommLog=0;")
         .arg(host, QString::number(port), database, password);
+}
+
+QString freshDatabase(const QString& kind, const TempHome& home, const PgServer& pg, bool withTables)
+{
+    QString text;
+    if (kind.startsWith(QLatin1String("sqlite"))) {
+        static int counter = 0;
+        const QString file = home.path(QStringLiteral("%1-%2.db").arg(kind).arg(++counter));
+        DbConnection create;
+        if (!create.open(sable::sqliteConnectionString(file) + QStringLiteral(";FailIfMissing=False")))
+            return {};
+        text = kind == QLatin1String("sqlite") ? sable::sqliteConnectionString(file)
+                                               : QStringLiteral("DRIVER=SQLite3;Database=%1;").arg(file);
+    } else {
+        static int counter = 0;
+        const QString database = QStringLiteral("t_%1_%2_%3")
+                                     .arg(QString(kind).replace(u'-', u'_'))
+                                     .arg(QCoreApplication::applicationPid())
+                                     .arg(++counter);
+        if (!pg.createDatabase(database))
+            return {};
+        text = kind == QLatin1String("postgresql") ? pg.connectionString(database) : pg.odbcConnectionString(database);
+    }
+    if (withTables) {
+        DbConnection db;
+        bool ok = false;
+        if (!db.open(text))
+            return {};
+        sable::DbSchema::createMissingTables(db, &ok);
+        if (!ok)
+            return {};
+    }
+    return text;
+}
+
+QStringList tableDump(const QString& connectionString)
+{
+    DbConnection db;
+    QStringList rows;
+    if (!db.open(connectionString))
+        return {QStringLiteral("cannot open: ") + DbConnection::lastError()};
+    for (const QString& table : sable::DbSchema::tableNames()) {
+        rows << QStringLiteral("== ") + table;
+        sable::DbRecordset records = db.execute(QStringLiteral("SELECT * FROM ") + table);
+        for (; records.isValid() && !records.isEof(); records.moveNext()) {
+            QStringList fields;
+            for (int i = 0; i < records.fieldCount(); ++i) {
+                if (records.fieldName(i).compare(sable::DbSchema::rankOrderColumn(), Qt::CaseInsensitive) != 0)
+                    fields << records.fieldTextOrNull(i);
+            }
+            rows << fields.join(u'|');
+        }
+    }
+    return rows;
 }

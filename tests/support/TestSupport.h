@@ -45,6 +45,14 @@ struct PgServer
         const QString& database, const QString& password = QStringLiteral("sable-secret")) const;
 };
 
+// A new, empty database of `kind` ("sqlite", "sqlite-odbc", "postgresql", "postgresql-odbc"), with
+// the chart tables when `withTables`; returns its connection string, or an empty text on failure.
+QString freshDatabase(const QString& kind, const TempHome& home, const PgServer& pg, bool withTables = true);
+
+// Every row of every chart and file-box table, table by table in a fixed order, for comparing a
+// database before and after.
+QStringList tableDump(const QString& connectionString);
+
 // Skips a test that needs a fixture that is not there, unless SABLE_REQUIRE_FIXTURES is set (as the
 // project's test command sets it), where a missing fixture is a failure.
 #define SABLE_REQUIRE_FIXTURE(available, what)                                                                         \

@@ -47,6 +47,7 @@ std::optional<QString> takeOption(QStringList& args, const QString& name, bool* 
 std::vector<Command> configCommands();
 std::vector<Command> dbCommands();
 std::vector<Command> notifyCommands();
+std::vector<Command> chartCommands();
 std::vector<Command> servicesCommands();
 
 } // namespace sable::ctl

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+namespace sable {
+
+// Where a recordset's rows come from: Qt's query classes, or for the embedded engine its own API.
+class DbRowSource
+{
+public:
+    virtual ~DbRowSource() = default;
+    // Moves to the next row; false at the end.
+    virtual bool next() = 0;
+    virtual bool isNull(int n) const = 0;
+    virtual qint64 integer(int n) const = 0;
+    virtual QString text(int n) const = 0;
+    virtual int fieldCount() const = 0;
+    virtual QString fieldName(int n) const = 0;
+};
+
+} // namespace sable

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+namespace sable {
+
+class Registry;
+struct AppPaths;
+
+// The file box's home folder, the root of every shared folder path.
+namespace FileBoxHome {
+
+// <program folder>/SableBox.
+QString defaultPath(const AppPaths& paths);
+
+// The registry's "Home Directory" of the file-box server. When it is missing the default is
+// created on disk and written to the registry.
+QString homeDirectory(const Registry& registry, const AppPaths& paths);
+
+// The folder path as the file box stores it: the part of `absolutePath` below `home`, beginning with
+// a backslash ("\" for the home folder itself); empty when the folder is not below the home folder.
+QString relativeFolderPath(const QString& home, const QString& absolutePath);
+
+} // namespace FileBoxHome
+} // namespace sable

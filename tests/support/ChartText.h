@@ -1,0 +1,24 @@
+#pragma once
+
+#include "orgchart/OrgChart.h"
+
+#include <QString>
+
+// The tree as one line, for comparing charts in tests: departments by name with their children in
+// brackets, members as #K_MemberID with their rank after a colon when they have one.
+// Example: "본사[#1:2 영업부[#2] #3]".
+inline QString chartText(const sable::OrgChart& chart, const sable::OrgNode* node = nullptr)
+{
+    const sable::OrgNode* parent = node ? node : chart.invisibleRoot();
+    QStringList parts;
+    for (int i = 0; i < parent->childCount(); ++i) {
+        const sable::OrgNode* child = parent->child(i);
+        if (child->isMember()) {
+            parts << (child->rankId() >= 0 ? QStringLiteral("#%1:%2").arg(child->memberId()).arg(child->rankId())
+                                           : QStringLiteral("#%1").arg(child->memberId()));
+            continue;
+        }
+        parts << (child->childCount() ? child->name() + u'[' + chartText(chart, child) + u']' : child->name());
+    }
+    return parts.join(u' ');
+}

@@ -1,0 +1,505 @@
+// Loading and saving the chart against real databases: where the rows land in the tree, what a save
+// writes, the deletion cascade, the chart version, failures and stops.
+
+#include "ChartText.h"
+#include "TestSupport.h"
+#include "app/CSableManagerDoc.h"
+#include "app/ChangeNotice.h"
+#include "app/ChartJson.h"
+#include "app/ChartSave.h"
+#include "app/DemoOrganisation.h"
+#include "orgchart/ChartReader.h"
+#include "platform/IniFile.h"
+
+#include <QNetworkDatagram>
+#include <QTest>
+#include <QUdpSocket>
+
+using namespace sable;
+
+namespace {
+
+// Counts progress and clears the continue flag at a chosen point of a chosen phase.
+class StoppingProgress final : public LoadProgress
+{
+public:
+    StoppingProgress(std::atomic<int>& flag, QString phase, int atPosition, bool atRange = false)
+        : m_flag(flag)
+        , m_phase(std::move(phase))
+        , m_at(atPosition)
+        , m_bAtRange(atRange)
+    { }
+    QStringList texts;
+
+    void setText(const QString& text) override { texts << text; }
+    void setRange(int) override
+    {
+        if (m_bAtRange && !texts.isEmpty() && texts.last() == m_phase)
+            m_flag = 0;
+    }
+    void setPosition(int position) override
+    {
+        if (!m_bAtRange && !texts.isEmpty() && texts.last() == m_phase && position == m_at)
+            m_flag = 0;
+    }
+
+private:
+    std::atomic<int>& m_flag;
+    QString m_phase;
+    int m_at;
+    bool m_bAtRange;
+};
+
+ChartReader::Result load(const QString& connectionString)
+{
+    std::atomic<int> flag {1};
+    StoppingProgress progress(flag, QString(), -1);
+    return ChartReader::read(
+        [&] {
+            DbConnection db;
+            db.open(connectionString);
+            return db.isOpen() ? std::move(db) : DbConnection();
+        },
+        progress, flag);
+}
+
+bool run(const QString& connectionString, const QStringList& statements)
+{
+    DbConnection db;
+    if (!db.open(connectionString))
+        return false;
+    for (const QString& sql : statements) {
+        if (!db.executeNoRecords(sql)) {
+            qWarning() << sql << DbConnection::lastError();
+            return false;
+        }
+    }
+    return true;
+}
+
+QString member(int id)
+{
+    return QStringLiteral("INSERT INTO SD_Member (K_MemberID,MemberID,MemberName,Passwd,Gender,bPublic,bSolar,bAdmin) "
+                          "VALUES (%1,'u%1','이름%1','pw',0,1,0,0)")
+        .arg(id);
+}
+
+QString group(int id, const QString& name, int parent, int position, int depth)
+{
+    return QStringLiteral("INSERT INTO SD_Group VALUES (%1,'%2',%3,%4,%5)")
+        .arg(id)
+        .arg(name)
+        .arg(parent)
+        .arg(position)
+        .arg(depth);
+}
+
+QString relation(int memberId, int groupId, int rank, int position)
+{
+    return QStringLiteral("INSERT INTO SD_Relation VALUES (%1,%2,%3,%4)")
+        .arg(memberId)
+        .arg(groupId)
+        .arg(rank)
+        .arg(position);
+}
+
+} // namespace
+
+class TestChartStorage : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void loadPlacement_data();
+    void loadPlacement();
+    void roundTrip_data();
+    void roundTrip();
+    void deletionCascade();
+    void version_data();
+    void version();
+    void failingStatementRollsBack();
+    void failingCommitKeepsRaisedVersion();
+    void stopDuringLoad_data();
+    void stopDuringLoad();
+    void loadFailures();
+    void saveChecksAndServices();
+
+private:
+    ChartSave::Collaborators saveWith(const QString& connectionString, QStringList* calls = nullptr);
+    void addEngineRows();
+
+    TempHome m_home;
+    PgServer m_pg;
+};
+
+void TestChartStorage::initTestCase()
+{
+    m_pg = PgServer::fromFixture();
+}
+
+ChartSave::Collaborators TestChartStorage::saveWith(const QString& connectionString, QStringList* calls)
+{
+    ChartSave::Collaborators with;
+    with.askYesNo = [calls](const QString& question) {
+        if (calls)
+            *calls << QStringLiteral("ask: ") + question;
+        return true;
+    };
+    with.showBalloon = [calls](const Balloon& balloon) {
+        if (calls)
+            *calls << QStringLiteral("balloon: %1 @%2,%3").arg(balloon.text).arg(balloon.row).arg(balloon.column);
+    };
+    with.connect = [connectionString] {
+        DbConnection db;
+        return db.open(connectionString) ? std::move(db) : DbConnection();
+    };
+    with.sendChartChangedNotice = [] { return true; };
+    return with;
+}
+
+void TestChartStorage::addEngineRows()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("sqlite") << "sqlite";
+    QTest::newRow("postgresql") << "postgresql";
+}
+
+void TestChartStorage::loadPlacement_data()
+{
+    QTest::addColumn<QStringList>("rows");
+    QTest::addColumn<QString>("tree");
+    QTest::addColumn<int>("placements");
+
+    const QStringList members = {member(1), member(2), member(3)};
+    QTest::newRow("members before a sub-department") << members
+            + QStringList {group(1, "본사", -1, 1, 0), group(2, "영업부", 1, 2, 1), relation(1, 1, 3, 1),
+                relation(2, 1, -1, 3)} << "본사[#1:3 영업부 #2]"
+                                                     << 2;
+    QTest::newRow("rows out of position order") << members
+            + QStringList {group(1, "본사", -1, 1, 0), group(3, "개발부", 1, 4, 1), group(2, "영업부", 1, 1, 1),
+                relation(3, 1, 2, 3), relation(2, 1, 2, 2), relation(1, 2, 1, 1)}
+                                                << "본사[영업부[#1:1] #2:2 #3:2 개발부]" << 3;
+    QTest::newRow("missing parent goes to the top level") << members
+            + QStringList {group(1, "본사", -1, 1, 0), group(7, "고아", 99, 1, 1), group(2, "영업부", 1, 1, 1),
+                relation(1, 7, 5, 1)} << "본사[영업부] 고아[#1:5]"
+                                                          << 1;
+    QTest::newRow("no groups: memberships are not read") << members + QStringList {relation(1, 1, 1, 1)} << "" << 0;
+    QTest::newRow("membership of an unknown department is dropped")
+        << members + QStringList {group(1, "본사", -1, 1, 0), relation(1, 1, 1, 1), relation(2, 42, 1, 1)}
+        << "본사[#1:1]" << 1;
+}
+
+void TestChartStorage::loadPlacement()
+{
+    QFETCH(QStringList, rows);
+    QFETCH(QString, tree);
+    QFETCH(int, placements);
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    QVERIFY(run(db, rows));
+    ChartReader::Result result = load(db);
+    QCOMPARE(result.outcome, ChartReader::Outcome::Loaded);
+    QCOMPARE(chartText(*result.contents.chart), tree);
+    QCOMPARE(result.contents.chart->placementCount(), placements);
+    QCOMPARE(result.contents.chart->memberCount(), 3);
+}
+
+void TestChartStorage::roundTrip_data()
+{
+    addEngineRows();
+}
+
+void TestChartStorage::roundTrip()
+{
+    QFETCH(QString, kind);
+    if (kind == QLatin1String("postgresql"))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(kind, m_home, m_pg);
+    QVERIFY(!db.isEmpty());
+
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    // Ranks out of identifier order, an apostrophe, a member shown as lunar, a doubled-backslash path.
+    doc.ranks().move(5, 0);
+    doc.ranks().move(3, 1);
+    MemberRecord first = doc.chart().member(0);
+    first.MemberName = QStringLiteral("O'Neil 김");
+    first.bSolar = false;
+    doc.chart().setMember(0, first);
+    doc.chart().renameGroup(doc.chart().findGroup(3), QStringLiteral("Kim's 팀"));
+    doc.fileBox().folders.push_back({9, QStringLiteral("\\\\Team\\\\Docs")});
+    doc.fileBox().groupAuthorities.push_back({9, 3, NoAccess});
+
+    const IniFile settings(m_home.path(QStringLiteral("roundtrip-%1.ini").arg(kind)));
+    QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::Saved);
+
+    ChartReader::Result loaded = load(db);
+    QCOMPARE(loaded.outcome, ChartReader::Outcome::Loaded);
+    CSableManagerDoc reread;
+    reread.adopt(std::move(loaded.contents));
+    QCOMPARE(chartText(reread.chart()), chartText(doc.chart()));
+    QCOMPARE(reread.ranks().ranks(), doc.ranks().ranks());
+    QCOMPARE(reread.chart().member(0).MemberName, QStringLiteral("O'Neil 김"));
+    QVERIFY(reread.chart().member(0).bSolar);
+    QCOMPARE(reread.fileBox().folders.back().FolderPath, QStringLiteral("\\Team\\Docs"));
+    QCOMPARE(reread.fileBox().groupAuthorities.back().level, int(NoAccess));
+    QCOMPARE(tableDump(db).filter(QRegularExpression(QStringLiteral("^9\\|3\\|X$"))).size(), 1);
+
+    // What a save writes is what the reloaded chart would write: the export matches once the path is
+    // read back without its doubled backslashes.
+    doc.fileBox().folders.back().FolderPath = QStringLiteral("\\Team\\Docs");
+    QCOMPARE(ChartJson::write(reread), ChartJson::write(doc));
+}
+
+void TestChartStorage::deletionCascade()
+{
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    QStringList rows;
+    for (const int id : {1, 2, 3}) {
+        rows << QStringLiteral("INSERT INTO SD_Antenna VALUES (%1,%2)").arg(id).arg(id % 3 + 1)
+             << QStringLiteral("INSERT INTO SD_MyMember VALUES (%1,%2,NULL)").arg(id).arg(id % 3 + 1)
+             << QStringLiteral("INSERT INTO SD_MyGroup (K_MemberID) VALUES (%1)").arg(id)
+             << QStringLiteral("INSERT INTO SD_LeavedMemo (K_MemberID) VALUES (%1)").arg(id);
+    }
+    QVERIFY(run(db, rows));
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    doc.deletedMembers() = {2};
+    doc.deletedGroups() = {8}; // still in the tree under that identifier: its memberships go too
+    const IniFile settings(m_home.path(QStringLiteral("cascade.ini")));
+    QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::Saved);
+    QVERIFY(doc.deletedMembers().isEmpty());
+    QVERIFY(doc.deletedGroups().isEmpty());
+
+    const QStringList dump = tableDump(db);
+    const auto section = [&dump](const QString& table) {
+        const qsizetype from = dump.indexOf(QStringLiteral("== ") + table) + 1;
+        QStringList out;
+        for (qsizetype i = from; i < dump.size() && !dump[i].startsWith(QLatin1String("== ")); ++i)
+            out << dump[i];
+        return out;
+    };
+    // Member 2's own rows and the rows naming it go; the others stay.
+    QCOMPARE(section(QStringLiteral("SD_Antenna")), QStringList {"3|1"});
+    QCOMPARE(section(QStringLiteral("SD_MyMember")), QStringList {"3|1|(null)"});
+    QCOMPARE(section(QStringLiteral("SD_MyGroup")), (QStringList {"1|(null)|(null)", "3|(null)|(null)"}));
+    QCOMPARE(section(QStringLiteral("SD_LeavedMemo")), (QStringList {"1|(null)|(null)", "3|(null)|(null)"}));
+    QVERIFY(
+        section(QStringLiteral("SD_Relation")).filter(QRegularExpression(QStringLiteral("^\\d+\\|8\\|"))).isEmpty());
+    QVERIFY(
+        !section(QStringLiteral("SD_Relation")).filter(QRegularExpression(QStringLiteral("^\\d+\\|7\\|"))).isEmpty());
+}
+
+void TestChartStorage::version_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QString>("after");
+    QTest::newRow("absent") << QByteArray() << "0001";
+    QTest::newRow("counting") << QByteArray("[GroupInfo]\nVersion=0042\n") << "0043";
+    QTest::newRow("wraps after 9999") << QByteArray("[GroupInfo]\nVersion=9999\n") << "0001";
+}
+
+void TestChartStorage::version()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QString, after);
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    const QString ini = QStringLiteral("version-%1.ini").arg(QTest::currentDataTag());
+    m_home.writeFile(ini, before);
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    const IniFile settings(m_home.path(ini));
+    QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::Saved);
+    QCOMPARE(settings.readString(QStringLiteral("GroupInfo"), QStringLiteral("Version"), QString(), 16), after);
+}
+
+void TestChartStorage::failingStatementRollsBack()
+{
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    {
+        CSableManagerDoc first;
+        first.adopt(DemoOrganisation::contents());
+        QCOMPARE(ChartSave::run(first, IniFile(m_home.path(QStringLiteral("fail.ini"))), saveWith(db)),
+            ChartSave::Outcome::Saved);
+    }
+    // The membership of member 40 fails to insert, after the departments and members were rewritten.
+    QVERIFY(run(db,
+        {QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON SD_Relation WHEN NEW.K_MemberID = 40 "
+                        "BEGIN SELECT RAISE(ABORT, 'refused'); END")}));
+    const QStringList before = tableDump(db);
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    doc.chart().renameGroup(doc.chart().rootGroup(), QStringLiteral("바뀐 이름"));
+    doc.chart().insertNode(doc.chart().rootGroup(), 0, OrgNode::makeMember(40, -1));
+    doc.deletedMembers() = {39};
+    doc.setModified(true);
+    QStringList calls;
+    QCOMPARE(ChartSave::run(doc, IniFile(m_home.path(QStringLiteral("fail.ini"))), saveWith(db, &calls)),
+        ChartSave::Outcome::DatabaseFailed);
+    QCOMPARE(calls.last(), QStringLiteral("balloon: 데이터 베이스에 오류가 발생했습니다. @-1,-1"));
+    QCOMPARE(tableDump(db), before);
+    QCOMPARE(IniFile(m_home.path(QStringLiteral("fail.ini")))
+                 .readInt(QStringLiteral("GroupInfo"), QStringLiteral("Version"), 0),
+        1);
+    QCOMPARE(doc.deletedMembers(), QList<int> {39});
+    QVERIFY(doc.isModified());
+    QCOMPARE(doc.chart().rootGroup()->name(), QStringLiteral("바뀐 이름"));
+}
+
+void TestChartStorage::failingCommitKeepsRaisedVersion()
+{
+    SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(QStringLiteral("postgresql"), m_home, m_pg);
+    // A check deferred to the commit: the statements succeed, the commit does not.
+    QVERIFY(run(db,
+        {QStringLiteral("CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+                        "RAISE EXCEPTION 'refused at commit'; END $$"),
+            QStringLiteral("CREATE CONSTRAINT TRIGGER at_commit AFTER INSERT ON SD_Group DEFERRABLE "
+                           "INITIALLY DEFERRED FOR EACH ROW WHEN (NEW.GroupName = 'commit') "
+                           "EXECUTE FUNCTION refuse()")}));
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    doc.chart().renameGroup(doc.chart().rootGroup(), QStringLiteral("commit"));
+    const IniFile settings(m_home.path(QStringLiteral("commit.ini")));
+    QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::DatabaseFailed);
+    QCOMPARE(tableDump(db).filter(QStringLiteral("commit")), QStringList());
+    QCOMPARE(settings.readInt(QStringLiteral("GroupInfo"), QStringLiteral("Version"), 0), 1);
+}
+
+void TestChartStorage::stopDuringLoad_data()
+{
+    QTest::addColumn<QString>("phase");
+    QTest::addColumn<int>("position"); // -1: when the phase sets its range
+    QTest::addColumn<bool>("emptyRelations");
+    QTest::addColumn<int>("outcome");
+    QTest::addColumn<int>("members");
+    QTest::addColumn<int>("groups");
+    QTest::addColumn<int>("placements");
+    const int open = int(ChartReader::Outcome::OpenFailed);
+    QTest::newRow("members") << QStringLiteral("사용자 정보를 읽어오고 있습니다.") << 3 << false << open << 2 << 0 << 0;
+    QTest::newRow("groups") << QStringLiteral("그룹 정보를 읽어오고 있습니다.") << 2 << false << open << 40 << 2 << 0;
+    QTest::newRow("memberships") << QStringLiteral("그룹에 사용자를 추가중입니다.") << 5 << false << open << 40 << 8
+                                 << 4;
+    QTest::newRow("between phases") << QStringLiteral("그룹에 사용자를 추가중입니다.") << -1 << true
+                                    << int(ChartReader::Outcome::Stopped) << 40 << 8 << 0;
+}
+
+void TestChartStorage::stopDuringLoad()
+{
+    QFETCH(QString, phase);
+    QFETCH(int, position);
+    QFETCH(bool, emptyRelations);
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    CSableManagerDoc demo;
+    demo.adopt(DemoOrganisation::contents());
+    QCOMPARE(ChartSave::run(demo, IniFile(m_home.path(QStringLiteral("stop.ini"))), saveWith(db)),
+        ChartSave::Outcome::Saved);
+    if (emptyRelations)
+        QVERIFY(run(db, {QStringLiteral("DELETE FROM SD_Relation")}));
+
+    std::atomic<int> flag {1};
+    StoppingProgress progress(flag, phase, position, position < 0);
+    ChartReader::Result result = ChartReader::read(
+        [&] {
+            DbConnection connection;
+            connection.open(db);
+            return connection;
+        },
+        progress, flag);
+    QTEST(int(result.outcome), "outcome");
+    QTEST(result.contents.chart->memberCount(), "members");
+    QTEST(result.contents.chart->groupCount(), "groups");
+    QTEST(result.contents.chart->placementCount(), "placements");
+    QCOMPARE(result.contents.ranks.count(), 0);
+    QCOMPARE(progress.texts.first(), QStringLiteral("데이터 베이스를 열고 있습니다."));
+    QCOMPARE(progress.texts.last(), phase);
+}
+
+void TestChartStorage::loadFailures()
+{
+    std::atomic<int> flag {1};
+    StoppingProgress progress(flag, QString(), -1);
+    const ChartReader::Result noConnection = ChartReader::read([] { return DbConnection(); }, progress, flag);
+    QCOMPARE(noConnection.outcome, ChartReader::Outcome::OpenFailed);
+    QCOMPARE(
+        ChartReader::message(noConnection.outcome), QStringLiteral("데이터 베이스 파일을 여는중 오류가 발생했습니다."));
+
+    // A missing table fails the read; what was read before it stays.
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    QVERIFY(run(db, {member(1), group(1, "본사", -1, 1, 0), QStringLiteral("DROP TABLE SB_Folder")}));
+    ChartReader::Result result = load(db);
+    QCOMPARE(result.outcome, ChartReader::Outcome::ReadFailed);
+    QCOMPARE(ChartReader::message(result.outcome), QStringLiteral("데이터 베이스를 읽는 중 오류가 발생했습니다."));
+    QVERIFY(result.errorText.contains(QLatin1String("SB_Folder")));
+    QCOMPARE(result.contents.chart->memberCount(), 1);
+    QCOMPARE(result.contents.chart->groupCount(), 1);
+}
+
+void TestChartStorage::saveChecksAndServices()
+{
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    const IniFile settings(m_home.path(QStringLiteral("checks.ini")));
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    QStringList calls;
+    ChartSave::Collaborators with = saveWith(db, &calls);
+
+    // An empty password stops the save before the question.
+    MemberRecord third = doc.chart().member(2);
+    third.Passwd.clear();
+    doc.chart().setMember(2, third);
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Refused);
+    QCOMPARE(calls, QStringList {"balloon: 아이디나 비밀번호가 비어있는 아이디가 있습니다. @2,2"});
+
+    // An empty name is found after the question.
+    third.Passwd = QStringLiteral("pw");
+    third.MemberName.clear();
+    doc.chart().setMember(2, third);
+    calls.clear();
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Refused);
+    QCOMPARE(calls.size(), 2);
+    QVERIFY(calls[0].startsWith(QStringLiteral("ask: 조직도 및 개인정보가 삭제후  새로 저장됩니다.")));
+    QCOMPARE(calls[1], QStringLiteral("balloon: 아이디나 비밀번호가 비어있는 아이디가 있습니다. @2,1"));
+
+    third.MemberName = QStringLiteral("이름");
+    doc.chart().setMember(2, third);
+    with.bEditorOpen = false;
+    calls.clear();
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Refused);
+    QCOMPARE(calls.last(), QStringLiteral("balloon: 편집화면에서 저장버튼을 눌러주세요. @-1,-1"));
+    with.bEditorOpen = true;
+    with.askYesNo = [](const QString&) { return false; };
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Declined);
+    QCOMPARE(tableDump(db).filter(QStringLiteral("sable1234")), QStringList());
+    QCOMPARE(settings.readInt(QStringLiteral("GroupInfo"), QStringLiteral("Version"), 0), 0);
+
+    // A save: the file-box service stops while the tables are written, all services start after it,
+    // the notice reaches the server, and a notice that cannot be sent restarts the services.
+    QUdpSocket server;
+    QVERIFY(server.bind(QHostAddress::LocalHost, 0));
+    with = saveWith(db, &calls);
+    with.isFileBoxServerRunning = [&calls] { return calls << QStringLiteral("running?"), true; };
+    with.stopFileBoxServer = [&calls] { calls << QStringLiteral("stop file box"); };
+    with.requestStartAll = [&calls] { calls << QStringLiteral("start all"); };
+    with.restartAll = [&calls] { calls << QStringLiteral("restart all"); };
+    with.sendChartChangedNotice = [&] {
+        calls << QStringLiteral("notice");
+        return ChangeNotice::send(ChangeNotice::Kind::ReloadDatabase, server.localPort());
+    };
+    calls.clear();
+    doc.setModified(true);
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Saved);
+    QCOMPARE(calls.mid(1), (QStringList {"running?", "stop file box", "start all", "notice"}));
+    QVERIFY(!doc.isModified());
+    QTRY_VERIFY(server.hasPendingDatagrams());
+    QCOMPARE(server.receiveDatagram().data(), ChangeNotice::bytes(ChangeNotice::Kind::ReloadDatabase));
+
+    with.sendChartChangedNotice = [] { return false; };
+    calls.clear();
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Saved);
+    QCOMPARE(calls.mid(1), (QStringList {"running?", "stop file box", "start all", "restart all"}));
+}
+
+QTEST_GUILESS_MAIN(TestChartStorage)
+#include "tst_chart_storage.moc"
