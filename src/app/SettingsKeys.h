@@ -59,4 +59,11 @@ inline const QString kHelpUrl = QStringLiteral("HelpURL");
 inline const QString kProductHomeUrl = QStringLiteral("ProductHomeURL");
 inline const QString kUpgradeUrl = QStringLiteral("UpgradeURL");
 
+// Which service manager runs the server's services, under kSableManager: "scm", "supervisord" or
+// "none", and where the supervisor listens.
+inline const QString kServiceManager = QStringLiteral("ServiceManager");
+inline const QString kSupervisorUrl = QStringLiteral("SupervisorURL");
+inline const QString kSupervisorUser = QStringLiteral("SupervisorUser");
+inline const QString kSupervisorPassword = QStringLiteral("SupervisorPassword");
+
 } // namespace sable::Keys
