@@ -331,4 +331,48 @@ inline const QString kSetDbCopyFailed
     = QStringLiteral("조직도를 복사하지 못했습니다. 데이터베이스 설정은 바뀌지 않았습니다.\n\n%1");
 inline const QString kSetDbWriteFailed = QStringLiteral("데이터베이스 설정을 저장하지 못했습니다.");
 
+// File box: the server settings dialog
+inline const QString kFileBoxSettingsTitle = QStringLiteral("SableBox 설정");
+inline const QString kFileBoxSettingsHeading = QStringLiteral("SableBox 서버 설정");
+inline const QString kFileBoxSettingsIntro = QStringLiteral(" SableBox 서버의 설정값을 변경합니다.");
+inline const QString kFileBoxHomeGroup = QStringLiteral("기본 폴더 설정");
+inline const QString kFileBoxBrowse = QStringLiteral("찾아보기(&R)");
+inline const QString kFileBoxBrowseTip = QStringLiteral("SableBox의 기본 폴더를 설정합니다.\n여기서 설정하신 폴더가 "
+                                                        "사용자 컴퓨터의 SableBox에 보이게 됩니다.\n설정하시려면 "
+                                                        "이 단추를 누르세요.");
+inline const QString kFileBoxBrowseTitle = QStringLiteral("SableBox 기본 폴더 선택");
+inline const QString kFileBoxPassiveGroup = QStringLiteral("Passive mode 설정");
+inline const QString kFileBoxPorts = QStringLiteral("포트번호:");
+inline const QString kFileBoxPortsTo = QStringLiteral("~");
+inline const QString kFileBoxAddress = QStringLiteral("사용할 IP 주소:");
+inline const QString kFileBoxBadPorts = QStringLiteral("포트 정보를 잘못 입력하셨습니다. 다시 입력해 주세요.");
+
+// File box: the permission views
+inline const QString kCmdEditFolders = QStringLiteral("폴더 편집(&E)");
+inline const QString kFolderTreeTitle = QStringLiteral("폴더");
+inline const QString kMissingFoldersTitle = QStringLiteral("디스크에 없는 폴더");
+inline const QString kMissingFolderTip
+    = QStringLiteral("기본 폴더 아래에 없는 폴더입니다.\n폴더 편집에서 다시 만들거나 권한을 삭제하세요.");
+inline const QString kFolderPermissionsHeading = QStringLiteral("권한 목록");
+inline const QString kGranteePermissionsHeading = QStringLiteral("폴더 권한");
+inline const QString kGranteeColumn = QStringLiteral("이름");
+inline const QString kGranteeKindColumn = QStringLiteral("구분");
+inline const QString kLevelColumn = QStringLiteral("권한");
+inline const QString kFolderColumn = QStringLiteral("폴더");
+inline const QString kSourceColumn = QStringLiteral("받은 곳");
+inline const QString kGranteeDepartment = QStringLiteral("부서");
+inline const QString kGranteeUser = QStringLiteral("사용자");
+inline const QString kGranteeUserName = QStringLiteral("%1 (%2)");
+inline const QString kUnknownGrantee = QStringLiteral("(알 수 없음: %1)");
+inline const QString kSourceOwn = QStringLiteral("직접");
+inline const QString kSourceInherited = QStringLiteral("%1 (부서)");
+inline const QString kInheritedTip
+    = QStringLiteral("[%1] 부서에 준 권한입니다.\n부서의 권한은 부서를 선택해서 바꾸세요.");
+inline const QString kAddPermissionTo = QStringLiteral("[%1]에 권한 추가(&A)");
+inline const QString kMenuDeletePermission = QStringLiteral("권한 삭제(&D)");
+inline const QString kOpenFolderFailed = QStringLiteral("폴더를 열지 못했습니다.\n%1");
+inline const QString kStepSetPermission = QStringLiteral("권한 지정: %1");
+inline const QString kStepAddPermission = QStringLiteral("권한 추가: %1");
+inline const QString kStepDeletePermission = QStringLiteral("권한 삭제 (%1개)");
+
 } // namespace sable::Msg

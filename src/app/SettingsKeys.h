@@ -66,4 +66,8 @@ inline const QString kSupervisorUrl = QStringLiteral("SupervisorURL");
 inline const QString kSupervisorUser = QStringLiteral("SupervisorUser");
 inline const QString kSupervisorPassword = QStringLiteral("SupervisorPassword");
 
+// The file-box server's passive-mode port range (values under kSableBoxServer, 32-bit numbers).
+inline const QString kCustomPasvMinPort = QStringLiteral("Custom PASV min port");
+inline const QString kCustomPasvMaxPort = QStringLiteral("Custom PASV max port");
+
 } // namespace sable::Keys

@@ -5,6 +5,7 @@
 #include "platform/Registry.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace sable::FileBoxHome {
 namespace {
@@ -46,6 +47,19 @@ QString relativeFolderPath(const QString& home, const QString& absolutePath)
     if (!path.startsWith(prefix, kPathCase))
         return {};
     return u'\\' + path.mid(prefix.size()).replace(u'/', u'\\');
+}
+
+QString absoluteFolderPath(const QString& home, const QString& folderPath)
+{
+    const QString root = QDir::cleanPath(QDir::fromNativeSeparators(home));
+    QString below = folderPath;
+    below.replace(u'\\', u'/');
+    return QDir::cleanPath(root + u'/' + below);
+}
+
+bool folderExists(const QString& home, const QString& folderPath)
+{
+    return QFileInfo(absoluteFolderPath(home, folderPath)).isDir();
 }
 
 } // namespace sable::FileBoxHome

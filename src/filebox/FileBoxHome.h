@@ -21,5 +21,11 @@ QString homeDirectory(const Registry& registry, const AppPaths& paths);
 // a backslash ("\" for the home folder itself); empty when the folder is not below the home folder.
 QString relativeFolderPath(const QString& home, const QString& absolutePath);
 
+// The other way round: where the stored `folderPath` is on this machine (with '/' separators).
+QString absoluteFolderPath(const QString& home, const QString& folderPath);
+
+// Whether the folder a stored path names is on disk; folders are made and removed outside the console.
+bool folderExists(const QString& home, const QString& folderPath);
+
 } // namespace FileBoxHome
 } // namespace sable

@@ -35,6 +35,18 @@ const FolderRecord* FileBoxLists::findFolder(int folderId) const
     return it == folders.end() ? nullptr : &*it;
 }
 
+const FolderRecord* FileBoxLists::findFolderByPath(const QString& path) const
+{
+#ifdef Q_OS_WIN
+    constexpr Qt::CaseSensitivity kPathCase = Qt::CaseInsensitive;
+#else
+    constexpr Qt::CaseSensitivity kPathCase = Qt::CaseSensitive;
+#endif
+    const auto it = std::find_if(folders.begin(), folders.end(),
+        [&path](const FolderRecord& folder) { return folder.FolderPath.compare(path, kPathCase) == 0; });
+    return it == folders.end() ? nullptr : &*it;
+}
+
 int FileBoxLists::setAuthority(std::vector<AuthorityRecord>& list, int folderId, int grantee, int level)
 {
     for (AuthorityRecord& record : list) {

@@ -47,6 +47,8 @@ public:
     int addFolder(const QString& path);
     int smallestFreeFolderId() const;
     const FolderRecord* findFolder(int folderId) const;
+    // The first folder stored under `path` (letter case counts only where the file system's does).
+    const FolderRecord* findFolderByPath(const QString& path) const;
 
     // Replaces the level of an existing pair (1) or appends a new permission (0).
     static int setAuthority(std::vector<AuthorityRecord>& list, int folderId, int grantee, int level);
