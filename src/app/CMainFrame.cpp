@@ -10,6 +10,10 @@
 #include "app/StartupSteps.h"
 #include "app/UpgradeDownload.h"
 #include "clientsettings/ClientSettingsCommands.h"
+#include "filebox/CSableboxFolderFormView.h"
+#include "filebox/CSableboxUserFormView.h"
+#include "filebox/FileBoxHome.h"
+#include "filebox/SableBoxSettingsDialog.h"
 #include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
@@ -31,7 +35,6 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QToolBar>
-#include <QVBoxLayout>
 
 namespace sable {
 namespace {
@@ -47,18 +50,6 @@ bool isChartCommand(int command)
 bool isRankCommand(int command)
 {
     return command >= Cmd::kAddRank && command <= Cmd::kDeleteRank;
-}
-
-QWidget* placeholderPage(const QString& title, QWidget* parent)
-{
-    auto* page = new QWidget(parent);
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(makePageTitle(title, page));
-    auto* note = new QLabel(Msg::kNotAvailableYet, page);
-    note->setAlignment(Qt::AlignCenter);
-    layout->addWidget(note, 1);
-    return page;
 }
 
 } // namespace
@@ -123,6 +114,10 @@ void CMainFrame::setPrompter(Prompter prompter)
         chartEditor()->form()->setPrompter(m_prompter);
     if (rankEditor())
         rankEditor()->setPrompter(m_prompter);
+    for (const int view : {Cmd::kFolderPermissions, Cmd::kUserPermissions}) {
+        if (auto* page = static_cast<FileBoxPermissionView*>(m_views.value(view)))
+            page->setPrompter(m_prompter);
+    }
 }
 
 // --- Menus, tool bar, navigation ------------------------------------------------------------------
@@ -179,6 +174,7 @@ void CMainFrame::createMenus()
     addCommand(edit, Cmd::kDeleteRank, Msg::kCmdDeleteRank);
     edit->addSeparator();
     addCommand(edit, Cmd::kDeletePermission, Msg::kCmdDeletePermission);
+    addCommand(edit, Cmd::kEditFolders, Msg::kCmdEditFolders);
 
     QMenu* view = menuBar()->addMenu(Msg::kMenuView);
     addCommand(view, Cmd::kToolBar, Msg::kCmdToolBar)->setCheckable(true);
@@ -250,7 +246,7 @@ void CMainFrame::onNavigationItem(int item)
         return;
     if (view == Cmd::kFileBoxSettings) {
         // A dialog of its own, after the click has been handled.
-        QTimer::singleShot(0, this, [this] { m_prompter.inform(this, Msg::kNotAvailableYet); });
+        QTimer::singleShot(0, this, &CMainFrame::openFileBoxSettings);
         return;
     }
     switchToView(view);
@@ -284,9 +280,15 @@ QWidget* CMainFrame::createView(int view)
         return ranks;
     }
     case Cmd::kFolderPermissions:
-        return placeholderPage(Msg::kNavFolderPermissions, m_pane);
-    case Cmd::kUserPermissions:
-        return placeholderPage(Msg::kNavUserPermissions, m_pane);
+    case Cmd::kUserPermissions: {
+        const auto home = [this] { return FileBoxHome::homeDirectory(m_config.registry(), m_config.paths()); };
+        FileBoxPermissionView* page = view == Cmd::kFolderPermissions
+            ? static_cast<FileBoxPermissionView*>(new CSableboxFolderFormView(m_doc, home, m_pane))
+            : new CSableboxUserFormView(m_doc, home, m_pane);
+        page->setPrompter(m_prompter);
+        connect(page, &FileBoxPermissionView::selectionChanged, this, &CMainFrame::updateCommandStates);
+        return page;
+    }
     default:
         return nullptr;
     }
@@ -327,6 +329,12 @@ CMainFormView* CMainFrame::startPage() const
     return static_cast<CMainFormView*>(m_views.value(Cmd::kStartPage));
 }
 
+FileBoxPermissionView* CMainFrame::fileBoxView() const
+{
+    const bool bFileBox = m_currentView == Cmd::kFolderPermissions || m_currentView == Cmd::kUserPermissions;
+    return bFileBox ? static_cast<FileBoxPermissionView*>(m_views.value(m_currentView)) : nullptr;
+}
+
 void CMainFrame::updateCommandStates()
 {
     const bool chartView = m_currentView == Cmd::kChartEditor;
@@ -337,8 +345,8 @@ void CMainFrame::updateCommandStates()
         else if (isRankCommand(it.key()))
             it.value()->setEnabled(rankView);
     }
-    // The file-box permission views are not built yet; the command has nothing to act on.
-    action(Cmd::kDeletePermission)->setEnabled(false);
+    action(Cmd::kDeletePermission)->setEnabled(fileBoxView() != nullptr);
+    action(Cmd::kEditFolders)->setEnabled(fileBoxView() != nullptr);
     action(Cmd::kMoveUp)->setEnabled(chartView || rankView);
     action(Cmd::kMoveDown)->setEnabled(chartView || rankView);
     action(Cmd::kStartServer)->setEnabled(m_services->isStartEnabled());
@@ -382,6 +390,14 @@ void CMainFrame::runCommand(int command)
         break;
     case Cmd::kImportUsers:
         m_prompter.inform(this, Msg::kNotAvailableYet);
+        break;
+    case Cmd::kDeletePermission:
+        if (fileBoxView())
+            fileBoxView()->deleteSelectedPermissions();
+        break;
+    case Cmd::kEditFolders:
+        if (fileBoxView())
+            fileBoxView()->editFolders();
         break;
     case Cmd::kSave:
         save();
@@ -491,6 +507,22 @@ void CMainFrame::routeToRankEditor(int command)
     default:
         break;
     }
+}
+
+void CMainFrame::openFileBoxSettings()
+{
+    auto* dialog = new SableBoxSettingsDialog(FileBoxServerSettings(m_config.registry(), m_config.paths()), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setPrompter(m_prompter);
+    dialog->setBalloonHelp(m_settings.bBalloonHelp);
+    // The home folder may have moved: the permission pages show the folders below the new one.
+    connect(dialog, &QDialog::accepted, this, [this] {
+        for (const int view : {Cmd::kFolderPermissions, Cmd::kUserPermissions}) {
+            if (auto* page = static_cast<FileBoxPermissionView*>(m_views.value(view)))
+                page->refreshHome();
+        }
+    });
+    dialog->open();
 }
 
 void CMainFrame::toggleBalloonHelp()

@@ -28,6 +28,7 @@ class CPositionFormView;
 class CProgressThread;
 class CReadDBThread;
 class DatabaseSettingsChange;
+class FileBoxPermissionView;
 class NavigationBar;
 class RegistrationMailDialog;
 class SaveRunner;
@@ -61,6 +62,8 @@ public:
     COrganizeTemplateView* chartEditor() const;
     CPositionFormView* rankEditor() const;
     CMainFormView* startPage() const;
+    // The file-box permission page that is shown (view 4 or 5), or nullptr.
+    FileBoxPermissionView* fileBoxView() const;
     CProgressThread* progressWindow() const { return m_progress; }
     RegistrationMailDialog* registrationMailDialog() const;
     bool isChartLoaded() const { return m_bChartLoaded; }
@@ -99,6 +102,7 @@ private:
     void changeDatabase();
     void routeToChartEditor(int command);
     void routeToRankEditor(int command);
+    void openFileBoxSettings();
 
     StartupConfig m_config;
     StartupSettings m_settings;

@@ -20,6 +20,8 @@ constexpr int kAddRank = 32789;
 constexpr int kRenameRank = 32790;
 constexpr int kDeleteRank = 32791;
 constexpr int kDeletePermission = 32792;
+// Opens the file box's home folder in the system's file manager (the file-box views' "폴더 편집").
+constexpr int kEditFolders = 32793;
 // 보기
 constexpr int kToolBar = 59392;
 constexpr int kStatusBar = 59393;

@@ -71,4 +71,9 @@ QIcon search()
     return cached(QStringLiteral("search"));
 }
 
+QIcon folder(bool bMissing)
+{
+    return cached(bMissing ? QStringLiteral("folder-missing") : QStringLiteral("folder"));
+}
+
 } // namespace sable::Icons

@@ -15,5 +15,6 @@ QIcon save();
 QIcon undo();
 QIcon redo();
 QIcon search();
+QIcon folder(bool bMissing = false); // a file-box folder; dashed and crossed when it is not on disk
 
 } // namespace sable::Icons
