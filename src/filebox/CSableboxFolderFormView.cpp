@@ -25,8 +25,8 @@ CSableboxFolderFormView::CSableboxFolderFormView(CSableManagerDoc& doc, HomeSour
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     auto* middle = new QWidget(splitter);
     QTableView* list = createPermissionList(m_model, FolderPermissionModel::ColLevel, middle);
-    list->setColumnWidth(FolderPermissionModel::ColGrantee, 140);
-    list->setColumnWidth(FolderPermissionModel::ColKind, 50);
+    list->setColumnWidth(FolderPermissionModel::ColGrantee, 130);
+    list->setColumnWidth(FolderPermissionModel::ColKind, 48);
     auto* heading = new QLabel(Msg::kFolderPermissionsHeading, middle);
     QFont bold = heading->font();
     bold.setBold(true);

@@ -40,8 +40,8 @@ CSableboxUserFormView::CSableboxUserFormView(CSableManagerDoc& doc, HomeSource h
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     auto* middle = new QWidget(splitter);
     QTableView* list = createPermissionList(m_model, GranteePermissionModel::ColLevel, middle);
-    list->setColumnWidth(GranteePermissionModel::ColFolder, 150);
-    list->setColumnWidth(GranteePermissionModel::ColLevel, 70);
+    list->setColumnWidth(GranteePermissionModel::ColFolder, 120);
+    list->setColumnWidth(GranteePermissionModel::ColLevel, 64);
     auto* heading = new QLabel(Msg::kGranteePermissionsHeading, middle);
     QFont bold = heading->font();
     bold.setBold(true);

@@ -73,6 +73,7 @@ ChartSourcePane::ChartSourcePane(CSableManagerDoc& doc, QWidget* parent)
     m_list->verticalHeader()->hide();
     m_list->verticalHeader()->setDefaultSectionSize(kRowHeight);
     m_list->horizontalHeader()->setStretchLastSection(true);
+    m_list->setColumnWidth(0, 80);
     m_search->setPlaceholderText(Msg::kSearchPlaceholder);
     m_search->setClearButtonEnabled(true);
     m_search->addAction(Icons::search(), QLineEdit::LeadingPosition);
