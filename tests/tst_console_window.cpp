@@ -23,6 +23,8 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
@@ -126,6 +128,7 @@ private Q_SLOTS:
     void closeQuestion_data();
     void closeQuestion();
     void balloonHelpWritten();
+    void oneUpgradeDownloadAtATime();
     void stopLoading();
 
 private:
@@ -314,6 +317,35 @@ void TestConsoleWindow::balloonHelpWritten()
     QVERIFY(m_console->home.readFile(QStringLiteral("registry/HKCU.reg")).contains("\"BalloonHelp\"=dword:00000000"));
     frame.runCommand(Cmd::kBalloonHelp);
     QVERIFY(m_console->home.readFile(QStringLiteral("registry/HKCU.reg")).contains("\"BalloonHelp\"=dword:00000001"));
+}
+
+void TestConsoleWindow::oneUpgradeDownloadAtATime()
+{
+    // A web server on 127.0.0.1 that answers only when told to.
+    QTcpServer web;
+    QVERIFY(web.listen(QHostAddress::LocalHost));
+    QList<QTcpSocket*> requests;
+    connect(&web, &QTcpServer::newConnection, &web, [&] { requests << web.nextPendingConnection(); });
+    m_console->home.registry()
+        .createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"))
+        ->writeString(
+            QStringLiteral("UpgradeURL"), QStringLiteral("http://127.0.0.1:%1/SM40Patch.exe").arg(web.serverPort()));
+    CMainFrame& frame = m_console->open();
+    frame.runCommand(Cmd::kPreviousVersionData);
+    QCOMPARE(
+        m_console->asked, QStringList {QStringLiteral("DB업그레이드 프로그램을 다운로드 합니다.\n계속 하시겠습니까?")});
+    QTRY_COMPARE(requests.size(), 1);
+    frame.runCommand(Cmd::kPreviousVersionData);
+    QTest::qWait(200);
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(m_console->asked.size(), 1);
+    const QByteArray program = "#!/bin/sh\ntouch upgraded\n";
+    QTRY_VERIFY(requests.first()->bytesAvailable() > 0 || requests.first()->waitForReadyRead(100));
+    requests.first()->write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(program.size())
+        + "\r\nConnection: close\r\n\r\n" + program);
+    requests.first()->flush();
+    // The program is stored in the server's folder and started there.
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_console->home.paths().programFolder + QStringLiteral("/upgraded")), 10000);
 }
 
 void TestConsoleWindow::stopLoading()
