@@ -6,6 +6,8 @@
 #include "app/CMainFrame.h"
 #include "app/ServerServiceControl.h"
 #include "db/ConnectionString.h"
+#include "onboarding/RecipientModel.h"
+#include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/CProgressThread.h"
@@ -130,6 +132,7 @@ private Q_SLOTS:
     void balloonHelpWritten();
     void oneUpgradeDownloadAtATime();
     void editSaveAndFindAfterRestart();
+    void registrationMailFromTheChartEditor();
     void stopLoading();
 
 private:
@@ -386,6 +389,34 @@ void TestConsoleWindow::editSaveAndFindAfterRestart()
     const OrgNode* found = reloaded.rootGroup()->child(reloaded.rootGroup()->childCount() - 1);
     QCOMPARE(found->name(), QStringLiteral("신규사업팀"));
     QCOMPARE(chartText(reloaded, found), QStringLiteral("#39:2 #40:6"));
+}
+
+void TestConsoleWindow::registrationMailFromTheChartEditor()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    frame.switchToView(Cmd::kRankEditor);
+    frame.runCommand(Cmd::kRegistrationMail);
+    QCOMPARE(frame.currentView(), int(Cmd::kChartEditor));
+    RegistrationMailDialog* dialog = frame.registrationMailDialog();
+    QVERIFY(dialog && dialog->isVisible());
+    dialog->hide();
+    frame.runCommand(Cmd::kRegistrationMail);
+    QCOMPARE(frame.registrationMailDialog(), dialog);
+    QVERIFY(dialog->isVisible());
+
+    // From the tree, a department gives every member below it; from the list, the selected rows.
+    COrganizeFormView* form = frame.chartEditor()->form();
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(frame.document().chart().findGroup(5)));
+    form->requestRegistrationMail(true);
+    QCOMPARE(dialog->recipients()->rowCount(), 16);
+    form->memberList()->selectRow(0);
+    form->memberList()->selectionModel()->select(
+        form->filterModel()->index(38, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    form->requestRegistrationMail(false);
+    QCOMPARE(dialog->recipients()->rowCount(), 18);
+    form->requestRegistrationMail(false); // already listed: nothing more
+    QCOMPARE(dialog->recipients()->rowCount(), 18);
 }
 
 void TestConsoleWindow::stopLoading()
