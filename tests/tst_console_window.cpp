@@ -7,6 +7,8 @@
 #include "app/ServerServiceControl.h"
 #include "db/ConnectionString.h"
 #include "filebox/SableBoxSettingsDialog.h"
+#include "onboarding/RecipientModel.h"
+#include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/CProgressThread.h"
@@ -24,6 +26,8 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
@@ -127,6 +131,9 @@ private Q_SLOTS:
     void closeQuestion_data();
     void closeQuestion();
     void balloonHelpWritten();
+    void oneUpgradeDownloadAtATime();
+    void editSaveAndFindAfterRestart();
+    void registrationMailFromTheChartEditor();
     void stopLoading();
 
 private:
@@ -316,6 +323,102 @@ void TestConsoleWindow::balloonHelpWritten()
     QVERIFY(m_console->home.readFile(QStringLiteral("registry/HKCU.reg")).contains("\"BalloonHelp\"=dword:00000000"));
     frame.runCommand(Cmd::kBalloonHelp);
     QVERIFY(m_console->home.readFile(QStringLiteral("registry/HKCU.reg")).contains("\"BalloonHelp\"=dword:00000001"));
+}
+
+void TestConsoleWindow::oneUpgradeDownloadAtATime()
+{
+    // A web server on 127.0.0.1 that answers only when told to.
+    QTcpServer web;
+    QVERIFY(web.listen(QHostAddress::LocalHost));
+    QList<QTcpSocket*> requests;
+    connect(&web, &QTcpServer::newConnection, &web, [&] { requests << web.nextPendingConnection(); });
+    m_console->home.registry()
+        .createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"))
+        ->writeString(
+            QStringLiteral("UpgradeURL"), QStringLiteral("http://127.0.0.1:%1/SM40Patch.exe").arg(web.serverPort()));
+    CMainFrame& frame = m_console->open();
+    frame.runCommand(Cmd::kPreviousVersionData);
+    QCOMPARE(
+        m_console->asked, QStringList {QStringLiteral("DB업그레이드 프로그램을 다운로드 합니다.\n계속 하시겠습니까?")});
+    QTRY_COMPARE(requests.size(), 1);
+    frame.runCommand(Cmd::kPreviousVersionData);
+    QTest::qWait(200);
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(m_console->asked.size(), 1);
+    const QByteArray program = "#!/bin/sh\ntouch upgraded\n";
+    QTRY_VERIFY(requests.first()->bytesAvailable() > 0 || requests.first()->waitForReadyRead(100));
+    requests.first()->write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(program.size())
+        + "\r\nConnection: close\r\n\r\n" + program);
+    requests.first()->flush();
+    // The program is stored in the server's folder and started there.
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_console->home.paths().programFolder + QStringLiteral("/upgraded")), 10000);
+}
+
+void TestConsoleWindow::editSaveAndFindAfterRestart()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    COrganizeFormView* form = m_console->editor();
+    OrgChart& chart = frame.document().chart();
+    // A new department under the top one, renamed in place; the two interns dragged into it; a rank
+    // changed; then one step taken back.
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(chart.rootGroup()));
+    frame.runCommand(Cmd::kAddDepartment);
+    QLineEdit* name = form->tree()->viewport()->findChild<QLineEdit*>();
+    QVERIFY(name);
+    commit(form->tree(), name, QStringLiteral("신규사업팀"));
+    OrgNode* team = chart.rootGroup()->child(chart.rootGroup()->childCount() - 1);
+    QCOMPARE(team->name(), QStringLiteral("신규사업팀"));
+    std::unique_ptr<QMimeData> interns(
+        form->memberModel()->mimeData({form->memberModel()->index(38, 0), form->memberModel()->index(39, 0)}));
+    form->treeModel()->dropMimeData(interns.get(), Qt::MoveAction, -1, 0, form->treeModel()->indexOf(team));
+    ChartEdits(frame.document()).setRank(team->child(0), Cmd::kRankNone + 2);
+    ChartEdits(frame.document()).setRank(team->child(1), Cmd::kRankNone + 3);
+    QVERIFY(frame.action(-1)->isEnabled());
+    frame.action(-1)->trigger();
+    QCOMPARE(team->child(1)->rankId(), 6);
+
+    QSignalSpy saved(&frame, &CMainFrame::saveFinished);
+    frame.runCommand(Cmd::kSave);
+    QVERIFY(saved.wait(20000));
+    QCOMPARE(saved.first().first().value<ChartSave::Outcome>(), ChartSave::Outcome::Saved);
+    QVERIFY(!frame.document().isModified());
+    frame.close();
+
+    CMainFrame& again = m_console->open();
+    QVERIFY(m_console->load());
+    const OrgChart& reloaded = again.document().chart();
+    const OrgNode* found = reloaded.rootGroup()->child(reloaded.rootGroup()->childCount() - 1);
+    QCOMPARE(found->name(), QStringLiteral("신규사업팀"));
+    QCOMPARE(chartText(reloaded, found), QStringLiteral("#39:2 #40:6"));
+}
+
+void TestConsoleWindow::registrationMailFromTheChartEditor()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    frame.switchToView(Cmd::kRankEditor);
+    frame.runCommand(Cmd::kRegistrationMail);
+    QCOMPARE(frame.currentView(), int(Cmd::kChartEditor));
+    RegistrationMailDialog* dialog = frame.registrationMailDialog();
+    QVERIFY(dialog && dialog->isVisible());
+    dialog->hide();
+    frame.runCommand(Cmd::kRegistrationMail);
+    QCOMPARE(frame.registrationMailDialog(), dialog);
+    QVERIFY(dialog->isVisible());
+
+    // From the tree, a department gives every member below it; from the list, the selected rows.
+    COrganizeFormView* form = frame.chartEditor()->form();
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(frame.document().chart().findGroup(5)));
+    form->requestRegistrationMail(true);
+    QCOMPARE(dialog->recipients()->rowCount(), 16);
+    form->memberList()->selectRow(0);
+    form->memberList()->selectionModel()->select(
+        form->filterModel()->index(38, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    form->requestRegistrationMail(false);
+    QCOMPARE(dialog->recipients()->rowCount(), 18);
+    form->requestRegistrationMail(false); // already listed: nothing more
+    QCOMPARE(dialog->recipients()->rowCount(), 18);
 }
 
 void TestConsoleWindow::stopLoading()
