@@ -1,5 +1,13 @@
 #include "CommandLine.h"
 
+#include "app/CSableManagerDoc.h"
+#include "app/ChartSave.h"
+#include "app/ServerDatabase.h"
+#include "orgchart/ChartReader.h"
+#include "platform/IniFile.h"
+
+#include <cstdio>
+
 namespace sable::ctl {
 
 int Context::fail(const QString& message) const
@@ -34,6 +42,80 @@ std::optional<QString> takeOption(QStringList& args, const QString& name, bool* 
         }
     }
     return std::nullopt;
+}
+
+} // namespace sable::ctl
+
+// --- Loading and saving the chart -------------------------------------------------------------------
+
+namespace sable::ctl {
+namespace {
+
+class QuietProgress final : public LoadProgress
+{
+public:
+    void setText(const QString&) override { }
+    void setRange(int) override { }
+    void setPosition(int) override { }
+};
+
+} // namespace
+
+std::function<DbConnection()> connector(Context& context)
+{
+    return [&context] {
+        return ServerDatabase::connect(
+            context.config, [&context](const QString&, const QString& text) { context.err << text << Qt::endl; });
+    };
+}
+
+bool askOnTerminal(Context& context, const QString& question)
+{
+    context.err << question << " [y/N] " << Qt::flush;
+    char answer[16] = {};
+    if (!fgets(answer, sizeof answer, stdin))
+        return false;
+    return answer[0] == 'y' || answer[0] == 'Y';
+}
+
+bool loadChart(Context& context, CSableManagerDoc& doc)
+{
+    context.config.read();
+    QuietProgress progress;
+    const std::atomic<int> bContinue {1};
+    ChartReader::Result result = ChartReader::read(connector(context), progress, bContinue);
+    if (result.outcome != ChartReader::Outcome::Loaded) {
+        context.fail(ChartReader::message(result.outcome) + u'\n' + result.errorText);
+        return false;
+    }
+    doc.adopt(std::move(result.contents));
+    return true;
+}
+
+int saveChart(Context& context, CSableManagerDoc& doc, bool bYes)
+{
+    ChartSave::Collaborators with;
+    with.askYesNo = [&](const QString& question) { return bYes || askOnTerminal(context, question); };
+    with.showBalloon = [&context](const Balloon& balloon) { context.err << balloon.text << Qt::endl; };
+    with.connect = connector(context);
+    switch (ChartSave::run(doc, IniFile(context.config.paths().settingsFilePath), with)) {
+    case ChartSave::Outcome::Saved:
+        return kSuccess;
+    case ChartSave::Outcome::Declined:
+        return context.fail(QStringLiteral("not saved"));
+    case ChartSave::Outcome::Refused:
+        return context.fail(QStringLiteral("nothing was written"));
+    case ChartSave::Outcome::DatabaseFailed:
+        return context.fail(DbConnection::lastError());
+    }
+    return kFailure;
+}
+
+int printBytes(Context& context, const QByteArray& bytes)
+{
+    context.out.flush();
+    const auto size = static_cast<size_t>(bytes.size());
+    return fwrite(bytes.constData(), 1, size, stdout) == size ? kSuccess : kFailure;
 }
 
 } // namespace sable::ctl

@@ -12,7 +12,7 @@ namespace {
 std::vector<Command> allCommands()
 {
     std::vector<Command> all;
-    for (auto part : {configCommands(), dbCommands(), chartCommands(), notifyCommands()})
+    for (auto part : {configCommands(), dbCommands(), chartCommands(), notifyCommands(), usersCommands()})
         all.insert(all.end(), part.begin(), part.end());
     return all;
 }
