@@ -232,7 +232,7 @@ inline const QString kImportAddOnly = QStringLiteral("새 사용자만 추가(&A
 inline const QString kImportAddAndUpdate = QStringLiteral("새 사용자 추가, 아이디가 같은 사용자는 수정(&U)");
 inline const QString kImportPreviewPageTitle = QStringLiteral("미리 보기");
 inline const QString kImportPreviewPageText = QStringLiteral(
-    "마침을 누르면 아래 내용이 조직도에 반영됩니다. 한 번의 실행 취소로 되돌릴 수 있으며, 저장하기 전에는 "
+    "가져오기를 누르면 아래 내용이 조직도에 반영됩니다. 한 번의 실행 취소로 되돌릴 수 있으며, 저장하기 전에는 "
     "데이터베이스에 기록되지 않습니다.");
 inline const QString kImportSummary = QStringLiteral("추가 %1명, 수정 %2명, 변경 없음 %3명, 거부 %4명");
 inline const QString kImportCreates = QStringLiteral("새 부서 %1개, 새 직급 %2개가 만들어집니다.");
@@ -240,6 +240,10 @@ inline const QString kImportRefusedOnly = QStringLiteral("거부된 줄만 보�
 inline const QString kImportLineColumn = QStringLiteral("줄");
 inline const QString kImportFateColumn = QStringLiteral("결과");
 inline const QString kImportReasonColumn = QStringLiteral("사유");
+inline const QString kImportFinishButton = QStringLiteral("가져오기(&I)");
+inline const QString kImportBackButton = QStringLiteral("< 뒤로(&B)");
+inline const QString kImportNextButton = QStringLiteral("다음(&N) >");
+inline const QString kImportAndMore = QStringLiteral("%1 외 %2개");
 inline const QString kImportNothingToApply = QStringLiteral("추가하거나 수정할 사용자가 없습니다.");
 inline const QString kImportDone = QStringLiteral("사용자 %1명을 추가하고 %2명을 수정했습니다.");
 inline const QString kExportDialogTitle = QStringLiteral("사용자 목록 내보내기");
