@@ -59,13 +59,17 @@ QList<QStringList> split(const QString& cell)
 QString join(const QList<QStringList>& paths)
 {
     QStringList pieces;
-    for (const QStringList& names : paths) {
-        QStringList escapedNames;
-        for (const QString& name : names)
-            escapedNames << escaped(name, QStringLiteral("/;"));
-        pieces << escapedNames.join(kPathSeparator);
-    }
+    for (const QStringList& names : paths)
+        pieces << joinPath(names);
     return pieces.join(kListSeparator);
+}
+
+QString joinPath(const QStringList& names)
+{
+    QStringList escapedNames;
+    for (const QString& name : names)
+        escapedNames << escaped(name, QStringLiteral("/;"));
+    return escapedNames.join(kPathSeparator);
 }
 
 QStringList splitRanks(const QString& cell)

@@ -16,6 +16,8 @@ namespace DepartmentPaths {
 
 QList<QStringList> split(const QString& cell);
 QString join(const QList<QStringList>& paths);
+// One path of the department cell, escaped: join() of several is these separated by ';'.
+QString joinPath(const QStringList& names);
 
 // Rank names in order; an empty entry stands for no rank. An empty cell is an empty list.
 QStringList splitRanks(const QString& cell);

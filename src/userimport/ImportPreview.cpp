@@ -7,6 +7,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace sable {
 namespace {
 
@@ -99,10 +101,20 @@ private:
         m_rowById.reserve(chart.memberCount());
         for (int row = chart.memberCount() - 1; row >= 0; --row)
             m_rowById.insert(chart.member(row).MemberID, row);
+        // Lines are kept only for IDs that occur more than once: most files hold none.
+        QHash<QString, int> firstLine;
+        firstLine.reserve(static_cast<qsizetype>(m_table.rows.size()));
         for (const CsvRecord& record : m_table.rows) {
             const QString id = cell(record, ColMemberID);
-            if (!id.isEmpty())
-                m_linesById[id].append(record.line);
+            if (id.isEmpty())
+                continue;
+            const auto first = firstLine.constFind(id);
+            if (first == firstLine.cend())
+                firstLine.insert(id, record.line);
+            else if (QList<int>& lines = m_repeatedIds[id]; lines.isEmpty())
+                lines << *first << record.line;
+            else
+                lines << record.line;
         }
     }
 
@@ -160,10 +172,9 @@ private:
     {
         if (id.isEmpty())
             row.refusals.push_back({ColMemberID, Msg::kImportEnterId});
-        const QList<int>& lines = m_linesById.value(id);
-        if (lines.size() > 1) {
+        if (const auto repeated = m_repeatedIds.constFind(id); repeated != m_repeatedIds.cend()) {
             QStringList others;
-            for (const int line : lines) {
+            for (const int line : *repeated) {
                 if (line != record.line)
                     others << QString::number(line);
             }
@@ -187,9 +198,8 @@ private:
     void readPlacements(const CsvRecord& record, ImportRow& row)
     {
         const bool rankGiven = m_mapping.isMapped(FieldRank);
-        const QList<QStringList> paths = m_mapping.isMapped(FieldDepartment)
-            ? DepartmentPaths::split(cell(record, FieldDepartment))
-            : QList<QStringList>();
+        const QList<QStringList> paths
+            = m_mapping.isMapped(FieldDepartment) ? departmentsIn(cell(record, FieldDepartment)) : QList<QStringList>();
         const QStringList ranks = rankGiven ? DepartmentPaths::splitRanks(cell(record, FieldRank)) : QStringList();
         if (!ranks.isEmpty() && ranks.size() != paths.size() && (ranks.size() != 1 || paths.isEmpty())) {
             row.refusals.push_back({FieldRank, Msg::kImportRankCount.arg(paths.size()).arg(ranks.size())});
@@ -197,17 +207,25 @@ private:
         // A refused row plans no department and no rank.
         if (!row.refusals.empty())
             return;
-        QSet<int> seen;
         for (qsizetype i = 0; i < paths.size(); ++i) {
             const int department = m_preview.m_departments.resolve(paths[i]);
-            if (seen.contains(department))
+            if (std::any_of(row.placements.begin(), row.placements.end(),
+                    [department](const ImportPlacement& p) { return p.department == department; }))
                 continue;
-            seen.insert(department);
             int rank = ImportPlacement::kRankNotGiven;
             if (rankGiven)
                 rank = ranks.isEmpty() ? -1 : m_preview.m_ranks.resolve(ranks.size() == 1 ? ranks[0] : ranks[i]);
             row.placements.push_back({department, rank});
         }
+    }
+
+    // Many rows name the same departments: each cell is split once.
+    QList<QStringList> departmentsIn(const QString& cell)
+    {
+        auto known = m_pathsByCell.constFind(cell);
+        if (known == m_pathsByCell.cend())
+            known = m_pathsByCell.insert(cell, DepartmentPaths::split(cell));
+        return *known;
     }
 
     bool changesMember(const ImportRow& row) const
@@ -255,7 +273,8 @@ private:
     const ColumnMapping& m_mapping;
     ImportPreview& m_preview;
     QHash<QString, int> m_rowById;
-    QHash<QString, QList<int>> m_linesById;
+    QHash<QString, QList<int>> m_repeatedIds; // the lines of each ID that the file holds more than once
+    QHash<QString, QList<QStringList>> m_pathsByCell;
 };
 
 ImportPreview::ImportPreview(const CSableManagerDoc& doc, ImportMode mode)

@@ -11,17 +11,17 @@
 namespace sable::UserExport {
 namespace {
 
-// The departments of one member in tree order and the rank in each.
+// The departments of one member in tree order (as paths of the department cell) and the rank in each.
 struct Places
 {
-    QList<QStringList> paths;
+    QStringList paths;
     QStringList ranks;
 };
 
 QHash<int, Places> placesByMember(const CSableManagerDoc& doc)
 {
     const OrgChart& chart = doc.chart();
-    QHash<const OrgNode*, QStringList> pathOf;
+    QHash<const OrgNode*, QString> pathOf;
     QHash<int, Places> places;
     chart.forEachPlacement([&](OrgNode* node) {
         const OrgNode* department = node->parent();
@@ -30,7 +30,7 @@ QHash<int, Places> placesByMember(const CSableManagerDoc& doc)
             QStringList names;
             for (const OrgNode* up = department; up && up != chart.invisibleRoot(); up = up->parent())
                 names.prepend(up->name());
-            path = pathOf.insert(department, names);
+            path = pathOf.insert(department, DepartmentPaths::joinPath(names));
         }
         Places& member = places[node->memberId()];
         member.paths << *path;
@@ -64,8 +64,11 @@ QByteArray csv(const CSableManagerDoc& doc)
         fields.clear();
         for (int column = 0; column < MemberColumnCount; ++column)
             fields << MemberColumns::text(member, column);
-        const Places place = places.value(member.K_MemberID);
-        fields << DepartmentPaths::join(place.paths) << ranksCell(place.ranks);
+        const auto place = places.constFind(member.K_MemberID);
+        if (place == places.cend())
+            fields << QString() << QString();
+        else
+            fields << place->paths.join(u';') << ranksCell(place->ranks);
         out += Csv::line(fields, kComma).toUtf8() + "\r\n";
     }
     return out;
