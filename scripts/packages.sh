@@ -2,7 +2,7 @@
 # shellcheck disable=SC2034
 build_packages=(
     cmake ninja-build g++ pkgconf
-    qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-odbc libqt6sql6-psql
+    qt6-base-dev qt6-base-dev-tools libqt6svg6 libqt6sql6-sqlite libqt6sql6-odbc libqt6sql6-psql
     unixodbc-dev libcurl4-openssl-dev libsqlite3-dev
 )
 run_packages=(
@@ -11,4 +11,5 @@ run_packages=(
 test_packages=(
     postgresql libsqliteodbc odbc-postgresql python3 xvfb xauth fonts-nanum
     python3-aiosmtpd
+    supervisor g++-mingw-w64-x86-64 wine64
 )

@@ -46,6 +46,116 @@ inline const QString kDeleteRankQuestion
     = QStringLiteral("삭제된 직급을 가지고 있는 사용자는 직급이 없어지게 됩니다.\n직급을 삭제하시겠습니까?");
 inline const QString kEmptyRankListTip = QStringLiteral("마우스 오른쪽 버튼을 눌러서 직급을 추가하세요.");
 
+// The chart editor and the rank editor
+inline const QString kChartEditorTitle = QStringLiteral("조직도 편집");
+inline const QString kTreeTitle = QStringLiteral("조직도");
+inline const QString kMemberListTitle = QStringLiteral("사원 목록");
+inline const QString kRankEditorTitle = QStringLiteral("직급도 편집");
+inline const QString kRankTreeRoot = QStringLiteral("직급");
+inline const QString kRankGridTitle = QStringLiteral("직급별 목록");
+inline const QString kRankGridDepartment = QStringLiteral("부서");
+inline const QString kMenuAddDepartment = QStringLiteral("부서 추가(&A)");
+inline const QString kMenuDelete = QStringLiteral("삭제(&D)");
+inline const QString kMenuRename = QStringLiteral("이름 바꾸기(&R)");
+inline const QString kMenuSortByRank = QStringLiteral("직급 순서대로 정렬(&S)");
+inline const QString kMenuMoveToTop = QStringLiteral("우선 순위를 가장 위로(&T)");
+inline const QString kMenuMoveUp = QStringLiteral("우선 순위를 위로(&P)");
+inline const QString kMenuMoveDown = QStringLiteral("우선 순위를 아래로(&N)");
+inline const QString kMenuMoveToBottom = QStringLiteral("우선 순위를 가장 아래로(&B)");
+inline const QString kMenuRankSubmenu = QStringLiteral("직급(&K)");
+inline const QString kMenuRegistrationMail = QStringLiteral("등록메일(설치파일) 전송(&M)");
+inline const QString kMenuAddMember = QStringLiteral("사원 추가(&A)");
+inline const QString kMenuDeleteMember = QStringLiteral("사원 삭제(&D)");
+inline const QString kMenuAddRank = QStringLiteral("직급 추가(&A)");
+inline const QString kMenuRenameRank = QStringLiteral("이름 바꾸기(&M)");
+inline const QString kRankUpTip = QStringLiteral("한단계 위로");
+inline const QString kRankUpPrompt = QStringLiteral("우선순위를 한단계 올립니다.");
+inline const QString kRankDownTip = QStringLiteral("한단계 아래로");
+inline const QString kRankDownPrompt = QStringLiteral("우선 순위를 한단계 내립니다.");
+inline const QString kSearchPlaceholder = QStringLiteral("아이디, 이름, 이메일, 전화번호, 부서로 찾기");
+inline const QString kOnlyWithoutDepartment = QStringLiteral("소속 없는 사용자만");
+
+// The main window
+inline const QString kAppTitle = QStringLiteral("SableManager");
+inline const QString kProductName = QStringLiteral("Sable Manager 4.0");
+inline const QString kMenuFile = QStringLiteral("파일(&F)");
+inline const QString kMenuEdit = QStringLiteral("편집(&E)");
+inline const QString kMenuView = QStringLiteral("보기(&V)");
+inline const QString kMenuServer = QStringLiteral("서버관리(&M)");
+inline const QString kMenuServerSettings = QStringLiteral("서버설정(&S)");
+inline const QString kMenuHelp = QStringLiteral("도움말(&H)");
+inline const QString kCmdRegistrationMail = QStringLiteral("등록메일(설치파일) 전송(&M)");
+inline const QString kCmdPreviousVersionData = QStringLiteral("이전 버젼 데이터 가져오기");
+inline const QString kCmdImportUsers = QStringLiteral("외부 테이터 가져오기(&O)");
+inline const QString kCmdSave = QStringLiteral("저장(&S)");
+inline const QString kCmdExit = QStringLiteral("종료(&X)");
+inline const QString kCmdAddDepartment = QStringLiteral("부서 추가(&A)");
+inline const QString kCmdRenameDepartment = QStringLiteral("부서 수정(&M)");
+inline const QString kCmdDeleteDepartment = QStringLiteral("부서 삭제(&D)");
+inline const QString kCmdAddUser = QStringLiteral("사용자 추가(&U)");
+inline const QString kCmdDeleteUser = QStringLiteral("사용자 삭제(&R)");
+inline const QString kCmdAddRank = QStringLiteral("직급 추가(&A)");
+inline const QString kCmdRenameRank = QStringLiteral("직급 수정(&M)");
+inline const QString kCmdDeleteRank = QStringLiteral("직급 삭제(&D)");
+inline const QString kCmdDeletePermission = QStringLiteral("권한 삭제(&D)");
+inline const QString kCmdToolBar = QStringLiteral("도구 모음(&T)");
+inline const QString kCmdStatusBar = QStringLiteral("상태 표시줄(&S)");
+inline const QString kCmdBalloonHelp = QStringLiteral("풍선 도움말(&B)");
+inline const QString kCmdStartServer = QStringLiteral("서버 시작(&S)");
+inline const QString kCmdStopServer = QStringLiteral("서버 정지(&T)");
+inline const QString kCmdDatabaseSettings = QStringLiteral("데이터베이스 설정/변경");
+inline const QString kCmdFileServers = QStringLiteral("파일 서버 관리(&F)");
+inline const QString kCmdLogo = QStringLiteral("로고 설정 (&C)");
+inline const QString kCmdHomePage = QStringLiteral("홈페이지설정 (&H)");
+inline const QString kCmdHelp = QStringLiteral("도움말(&H)");
+inline const QString kCmdProductHome = QStringLiteral("홈페이지(&W)");
+inline const QString kCmdQuickGuide = QStringLiteral("Quick Guide(&Q)");
+inline const QString kCmdAbout = QStringLiteral("SableManager 정보(&A)");
+inline const QString kCmdUndo = QStringLiteral("실행 취소(&U)");
+inline const QString kCmdRedo = QStringLiteral("다시 실행(&R)");
+inline const QString kCmdUndoStep = QStringLiteral("실행 취소: %1");
+inline const QString kCmdRedoStep = QStringLiteral("다시 실행: %1");
+inline const QString kToolUp = QStringLiteral("위로");
+inline const QString kToolDown = QStringLiteral("아래로");
+inline const QString kNavChartGroup = QStringLiteral("조직도 관리");
+inline const QString kNavFileBoxGroup = QStringLiteral("세이블박스 관리");
+inline const QString kNavChartEditor = QStringLiteral("조직도 편집");
+inline const QString kNavRankEditor = QStringLiteral("직급도 편집");
+inline const QString kNavFolderPermissions = QStringLiteral("폴더별 관리");
+inline const QString kNavUserPermissions = QStringLiteral("사용자별 관리");
+inline const QString kNavFileBoxSettings = QStringLiteral("SableBox 설정");
+inline const QString kCloseQuestion = QStringLiteral("편집 내용을 저장하시겠습니까?");
+inline const QString kDownloadUpgradeQuestion
+    = QStringLiteral("DB업그레이드 프로그램을 다운로드 합니다.\n계속 하시겠습니까?");
+inline const QString kDownloading = QStringLiteral("업그레이드 프로그램을 받고 있습니다...");
+inline const QString kDownloadFailed = QStringLiteral("업그레이드 프로그램을 받지 못했습니다.\n%1");
+inline const QString kStopLoading = QStringLiteral("중지");
+inline const QString kSaving = QStringLiteral("조직도를 저장하고 있습니다...");
+inline const QString kSaveSummary = QStringLiteral("데이터베이스와 비교한 변경 내용:\n"
+                                                   "부서: 추가 %1, 변경 %2, 삭제 %3\n"
+                                                   "사용자: 추가 %4, 변경 %5, 삭제 %6\n"
+                                                   "소속: 추가 %7, 변경 %8, 삭제 %9");
+inline const QString kNotAvailableYet = QStringLiteral("이 기능은 아직 준비되지 않았습니다.");
+
+// The start page
+inline const QString kStartServices = QStringLiteral("서버 서비스");
+inline const QString kStartDatabase = QStringLiteral("데이터베이스");
+inline const QString kStartChart = QStringLiteral("조직도");
+inline const QString kStartDepartments = QStringLiteral("부서");
+inline const QString kStartUsers = QStringLiteral("사용자");
+inline const QString kStartUsersWithoutDepartment = QStringLiteral("소속 없는 사용자");
+inline const QString kStartRanks = QStringLiteral("직급");
+inline const QString kStartLinks = QStringLiteral("바로 가기");
+inline const QString kStartHelpLink = QStringLiteral("온라인 도움말");
+inline const QString kStartHomeLink = QStringLiteral("제품 홈페이지");
+inline const QString kServiceRunning = QStringLiteral("실행 중");
+inline const QString kServiceStartPending = QStringLiteral("시작하는 중");
+inline const QString kServiceStopPending = QStringLiteral("정지하는 중");
+inline const QString kServiceStopped = QStringLiteral("중지됨");
+inline const QString kServiceMissing = QStringLiteral("설치되지 않음");
+inline const QString kServiceUnknown = QStringLiteral("확인할 수 없음");
+inline const QString kChartNotLoaded = QStringLiteral("조직도를 읽는 중입니다...");
+
 // Names of the edits in the undo and redo commands
 inline const QString kStepAddDepartment = QStringLiteral("부서 추가");
 inline const QString kStepRenameDepartment = QStringLiteral("부서 이름 바꾸기: %1");
@@ -180,6 +290,46 @@ inline const QString kMailServerTestFailed = QStringLiteral("연결에 실패했
 inline const QString kMailServerOkButton = QStringLiteral("확인");
 inline const QString kMailServerCancelButton = QStringLiteral("취소");
 inline const QString kMailServerSaveFailed = QStringLiteral("메일 서버 설정을 저장하지 못했습니다.");
+
+// Server control
+inline const QString kServiceStartFailed = QStringLiteral("%1 서비스 실행에 실패했습니다.");
+inline const QString kDatabaseSettingsChanged
+    = QStringLiteral("***세이블 매니저를 종료합니다***\n\n데이터 데이스 설정이 변경 되었습니다. . \n조직도등의 변경이 "
+                     "필요하신 분은 다시 세이블매니저를 실행해 주세요");
+
+// Database settings program
+inline const QString kSetDbTitle = QStringLiteral("데이터베이스 설정");
+inline const QString kSetDbKind = QStringLiteral("데이터베이스 종류");
+inline const QString kSetDbEmbedded = QStringLiteral("내장 데이터베이스 파일");
+inline const QString kSetDbSqlServer = QStringLiteral("SQL Server");
+inline const QString kSetDbPostgreSql = QStringLiteral("PostgreSQL");
+inline const QString kSetDbFile = QStringLiteral("파일:");
+inline const QString kSetDbBrowse = QStringLiteral("찾아보기...");
+inline const QString kSetDbServerAddress = QStringLiteral("서버 주소:");
+inline const QString kSetDbHost = QStringLiteral("호스트:");
+inline const QString kSetDbPort = QStringLiteral("포트:");
+inline const QString kSetDbDatabase = QStringLiteral("데이터베이스:");
+inline const QString kSetDbLogin = QStringLiteral("로그인:");
+inline const QString kSetDbUser = QStringLiteral("사용자:");
+inline const QString kSetDbPassword = QStringLiteral("암호:");
+inline const QString kSetDbTest = QStringLiteral("연결 테스트");
+inline const QString kSetDbOk = QStringLiteral("확인");
+inline const QString kSetDbCancel = QStringLiteral("취소");
+inline const QString kSetDbTestSucceeded = QStringLiteral("연결에 성공했습니다.");
+inline const QString kSetDbFileWillBeCreated
+    = QStringLiteral("파일이 없습니다. 확인을 누르면 새 데이터베이스를 만듭니다.");
+inline const QString kSetDbIncomplete = QStringLiteral("입력하지 않은 항목이 있습니다.");
+inline const QString kSetDbTooLong = QStringLiteral("연결 정보가 너무 깁니다. (최대 %1바이트)");
+inline const QString kSetDbConnectFailed = QStringLiteral("데이터베이스에 연결하지 못했습니다.\n\n%1");
+inline const QString kSetDbCreateTables
+    = QStringLiteral("선택한 데이터베이스에 조직도 테이블이 없습니다.\n테이블을 만드시겠습니까?");
+inline const QString kSetDbCopyChart
+    = QStringLiteral("현재 데이터베이스의 조직도와 파일박스 권한을 새 데이터베이스로 복사하시겠습니까?");
+inline const QString kSetDbCreateFailed = QStringLiteral("테이블을 만들지 못했습니다.\n\n%1");
+inline const QString kSetDbSourceFailed = QStringLiteral("현재 데이터베이스를 열지 못했습니다.\n\n%1");
+inline const QString kSetDbCopyFailed
+    = QStringLiteral("조직도를 복사하지 못했습니다. 데이터베이스 설정은 바뀌지 않았습니다.\n\n%1");
+inline const QString kSetDbWriteFailed = QStringLiteral("데이터베이스 설정을 저장하지 못했습니다.");
 
 // Bulk import and export of users
 inline const QString kImportDepartmentField = QStringLiteral("부서");

@@ -24,6 +24,7 @@ void CSableManagerDoc::adopt(ChartContents contents)
     m_deletedMembers.clear();
     m_deletedGroups.clear();
     m_history.clear();
+    m_stored = ChartFingerprint::of(m_chart);
     setModified(false);
     Q_EMIT rankListChanged();
     Q_EMIT fileBoxChanged();
@@ -36,7 +37,13 @@ void CSableManagerDoc::markSaved()
     m_deletedGroups.clear();
     setModified(false);
     m_history.markClean();
+    m_stored = ChartFingerprint::of(m_chart);
     Q_EMIT saved();
+}
+
+ChartFingerprint::Summary CSableManagerDoc::unsavedChanges() const
+{
+    return m_stored.changesTo(ChartFingerprint::of(m_chart));
 }
 
 } // namespace sable

@@ -2,6 +2,7 @@
 
 #include "app/EditHistory.h"
 #include "filebox/FileBoxLists.h"
+#include "orgchart/ChartFingerprint.h"
 #include "orgchart/OrgChart.h"
 #include "orgchart/RankList.h"
 
@@ -60,6 +61,9 @@ public:
     // After a successful save: the database now holds what the document holds.
     void markSaved();
 
+    // How the chart in memory differs from the chart as it was loaded or last saved.
+    ChartFingerprint::Summary unsavedChanges() const;
+
 Q_SIGNALS:
     void modifiedChanged(bool modified);
     void rankListChanged();
@@ -75,6 +79,7 @@ private:
     QList<int> m_deletedGroups;
     bool m_bModified = false;
     EditHistory m_history {*this};
+    ChartFingerprint m_stored;
 };
 
 } // namespace sable

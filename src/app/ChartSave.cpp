@@ -13,7 +13,7 @@ namespace sable {
 namespace {
 
 // Writes everything in one transaction; false (rolled back) on the first failure.
-bool writeAll(DbConnection& db, CSableManagerDoc& doc, const IniFile& settings)
+bool writeAll(DbConnection& db, const CSableManagerDoc& doc, const IniFile& settings)
 {
     if (db.isEmpty() || !db.beginTrans())
         return false;
@@ -70,6 +70,13 @@ std::optional<Balloon> ChartSave::checkNamesAndPasswords(const CSableManagerDoc&
 
 ChartSave::Outcome ChartSave::run(CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with)
 {
+    if (const auto stopped = prepare(doc, with))
+        return *stopped;
+    return finish(doc, with, write(doc, settings, with));
+}
+
+std::optional<ChartSave::Outcome> ChartSave::prepare(const CSableManagerDoc& doc, const Collaborators& with)
+{
     const auto refuse = [&with](const Balloon& balloon) {
         if (with.showBalloon)
             with.showBalloon(balloon);
@@ -83,20 +90,28 @@ ChartSave::Outcome ChartSave::run(CSableManagerDoc& doc, const IniFile& settings
         return refuse(Balloon::error(Msg::kSaveInEditor));
     if (const auto problem = checkNamesAndPasswords(doc))
         return refuse(*problem);
+    return std::nullopt;
+}
 
+bool ChartSave::write(const CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with)
+{
     if (with.isFileBoxServerRunning && with.isFileBoxServerRunning() && with.stopFileBoxServer)
         with.stopFileBoxServer();
     DbConnection db = with.connect();
     const bool saved = writeAll(db, doc, settings);
     if (db.state() == 1)
         db.close();
-    if (!saved) {
+    return saved;
+}
+
+ChartSave::Outcome ChartSave::finish(CSableManagerDoc& doc, const Collaborators& with, bool written)
+{
+    if (!written) {
         if (with.showBalloon)
             with.showBalloon(Balloon::error(Msg::kSaveDatabaseError));
         return Outcome::DatabaseFailed;
     }
     doc.markSaved();
-
     if (with.requestStartAll)
         with.requestStartAll();
     const bool sent = with.sendChartChangedNotice

@@ -43,6 +43,13 @@ public:
     // Runs the whole sequence on `doc`, raising [GroupInfo] Version in `settings`.
     static Outcome run(CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with);
 
+    // The sequence in three parts, so that a window can run the writing off its thread while it
+    // keeps drawing: the checks and the question (nullopt: go on), the writing (which only reads
+    // the document, which must not change meanwhile), and what follows it.
+    static std::optional<Outcome> prepare(const CSableManagerDoc& doc, const Collaborators& with);
+    static bool write(const CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with);
+    static Outcome finish(CSableManagerDoc& doc, const Collaborators& with, bool written);
+
     // The checks of the member list: before the question every member needs an identifier and a
     // password, after it a name and a password. The balloon points at the first wrong cell.
     static std::optional<Balloon> checkIdsAndPasswords(const CSableManagerDoc& doc);

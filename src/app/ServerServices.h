@@ -19,6 +19,18 @@ inline const QStringList kInstallOrder
 inline const QStringList kRegistrationOrder
     = {kSableD, kGroupD, kSableboxServerManager, kCheckD, kRelayD, kFileDispatchD, kFileSessionD};
 
+// The orders of Start all and Stop server; Stop server leaves Sable_CheckD running.
+inline const QStringList kStartAllOrder
+    = {kSableD, kGroupD, kRelayD, kFileDispatchD, kFileSessionD, kSableboxServerManager, kCheckD};
+inline const QStringList kStopServerOrder
+    = {kSableD, kGroupD, kRelayD, kFileDispatchD, kFileSessionD, kSableboxServerManager};
+
+// The services whose state enables the Start entry (any of them not running) and the Stop entry
+// (any of them running).
+inline const QStringList kCountedForStart
+    = {kSableD, kGroupD, kSableboxServerManager, kRelayD, kFileDispatchD, kFileSessionD};
+inline const QStringList kCountedForStop = {kSableD, kGroupD, kSableboxServerManager, kRelayD};
+
 // The argument with which each program registers itself as a service.
 inline const QString kServiceSwitch = QStringLiteral("/service");
 

@@ -54,4 +54,16 @@ inline const QString kMailUser = QStringLiteral("MailUser");
 inline const QString kMailPassword = QStringLiteral("MailPassword");
 inline const QString kMailSenderAddress = QStringLiteral("MailSenderAddress");
 
+// The product's web addresses (values under kSableManager).
+inline const QString kHelpUrl = QStringLiteral("HelpURL");
+inline const QString kProductHomeUrl = QStringLiteral("ProductHomeURL");
+inline const QString kUpgradeUrl = QStringLiteral("UpgradeURL");
+
+// Which service manager runs the server's services, under kSableManager: "scm", "supervisord" or
+// "none", and where the supervisor listens.
+inline const QString kServiceManager = QStringLiteral("ServiceManager");
+inline const QString kSupervisorUrl = QStringLiteral("SupervisorURL");
+inline const QString kSupervisorUser = QStringLiteral("SupervisorUser");
+inline const QString kSupervisorPassword = QStringLiteral("SupervisorPassword");
+
 } // namespace sable::Keys

@@ -157,9 +157,18 @@ QString rankOrderColumn()
     return QStringLiteral("RankOrder");
 }
 
+QSqlRecord recordOf(const DbConnection& connection, const QString& table)
+{
+    for (const QString& listed : connection.tables()) {
+        if (listed.compare(table, Qt::CaseInsensitive) == 0)
+            return connection.database().record(listed);
+    }
+    return {};
+}
+
 bool hasRankOrderColumn(DbConnection& connection)
 {
-    const QSqlRecord record = connection.database().record(QStringLiteral("SD_Rank"));
+    const QSqlRecord record = recordOf(connection, QStringLiteral("SD_Rank"));
     return record.contains(rankOrderColumn()) || record.contains(rankOrderColumn().toLower());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSqlRecord>
 #include <QString>
 #include <QStringList>
 
@@ -29,6 +30,10 @@ QStringList existingTables(const DbConnection& connection);
 // Creates the tables that are missing and never touches one that exists. Returns the names created;
 // `ok` is false when a statement failed (the last-error text tells why).
 QStringList createMissingTables(DbConnection& connection, bool* ok);
+
+// The columns of `table` (named without regard to case). Engines that fold unquoted names to lower
+// case find the table only under the name they list it by.
+QSqlRecord recordOf(const DbConnection& connection, const QString& table);
 
 // Name of the column that keeps the rank order on servers that do not return rows in insertion
 // order; tables created by the console carry it, the loader orders by it when it is there.

@@ -48,6 +48,7 @@ std::vector<Command> configCommands();
 std::vector<Command> dbCommands();
 std::vector<Command> notifyCommands();
 std::vector<Command> chartCommands();
+std::vector<Command> servicesCommands();
 
 } // namespace sable::ctl
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+class QWidget;
+
+namespace sable {
+
+// How the console asks and tells: Yes/No and Yes/No/Cancel questions and plain messages. The
+// window's parts ask through one of these, so that tests can answer instead of a person.
+struct Prompter
+{
+    enum class Answer
+    {
+        Yes,
+        No,
+        Cancel,
+    };
+
+    std::function<bool(QWidget* parent, const QString& question)> askYesNo;
+    std::function<Answer(QWidget* parent, const QString& question)> askYesNoCancel;
+    std::function<void(QWidget* parent, const QString& text)> inform;
+    std::function<void(QWidget* parent, const QString& text)> warn;
+
+    // Message boxes, titled with the window's title.
+    static Prompter messageBoxes();
+};
+
+} // namespace sable
