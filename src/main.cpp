@@ -2,6 +2,8 @@
 
 #include "app/AppPaths.h"
 #include "app/CMainFrame.h"
+#include "app/ServerServiceControl.h"
+#include "app/ServiceManagerSettings.h"
 #include "app/StartupConfig.h"
 #include "app/StartupSteps.h"
 
@@ -12,12 +14,19 @@ using namespace sable;
 
 namespace {
 
-// "--screenshot FILE": show the window, save a picture of it and quit (for machines without a
-// screen, where the console is checked under a virtual display).
+// "--screenshot FILE": show the window, save a picture of it once the chart is loaded and quit (for
+// machines without a screen, where the console is checked under a virtual display).
 QString screenshotTarget(const QStringList& arguments)
 {
     const qsizetype at = arguments.indexOf(QStringLiteral("--screenshot"));
     return at >= 0 && at + 1 < arguments.size() ? arguments[at + 1] : QString();
+}
+
+// "--view N": the view to show first (2 the chart editor, 3 the rank editor, ...).
+int firstView(const QStringList& arguments)
+{
+    const qsizetype at = arguments.indexOf(QStringLiteral("--view"));
+    return at >= 0 && at + 1 < arguments.size() ? arguments[at + 1].toInt() : Cmd::kStartPage;
 }
 
 } // namespace
@@ -34,15 +43,25 @@ int main(int argc, char** argv)
         StartupSteps::runInstallSwitch(paths);
 
     StartupConfig config(Registry::forHome(paths.programFolder), paths);
+    auto services = ServiceManagerSettings::read(config.registry()).createBackend();
     const StartupSettings settings = config.read();
-    CMainFrame frame(config, settings);
+    CMainFrame frame(config, settings, services);
+    frame.services().registerMissingServices();
     frame.show();
     frame.postCreate();
+    frame.startLoad();
 
+    const int view = firstView(arguments);
+    QObject::connect(&frame, &CMainFrame::chartLoaded, &frame, [&frame, view] {
+        if (view != Cmd::kStartPage)
+            frame.switchToView(view);
+    });
     if (const QString target = screenshotTarget(arguments); !target.isEmpty()) {
-        QTimer::singleShot(1500, &frame, [&frame, target] {
-            frame.grab().save(target);
-            QApplication::quit();
+        QObject::connect(&frame, &CMainFrame::chartLoaded, &frame, [&frame, target] {
+            QTimer::singleShot(1200, &frame, [&frame, target] {
+                frame.grab().save(target);
+                QApplication::exit(0);
+            });
         });
     }
     return app.exec();

@@ -11,6 +11,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLocale>
 #include <QVBoxLayout>
 
 namespace sable {
@@ -62,7 +63,7 @@ QGroupBox* section(const QString& title, QWidget* parent)
 } // namespace
 
 CMainFormView::CMainFormView(CSableManagerDoc& doc, ServerServiceControl& services, QString databaseDescription,
-                             ProductLinks links, QWidget* parent)
+    ProductLinks links, QWidget* parent)
     : QWidget(parent)
     , m_doc(doc)
     , m_services(services)
@@ -96,7 +97,8 @@ CMainFormView::CMainFormView(CSableManagerDoc& doc, ServerServiceControl& servic
     auto* chartBox = section(Msg::kStartChart, this);
     auto* chartGrid = new QGridLayout(chartBox);
     row = 0;
-    for (const QString& figure : {Msg::kStartDepartments, Msg::kStartUsers, Msg::kStartUsersWithoutDepartment, Msg::kStartRanks}) {
+    for (const QString& figure :
+        {Msg::kStartDepartments, Msg::kStartUsers, Msg::kStartUsersWithoutDepartment, Msg::kStartRanks}) {
         auto* value = new QLabel(chartBox);
         value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         chartGrid->addWidget(new QLabel(figure, chartBox), row, 0);
@@ -107,8 +109,10 @@ CMainFormView::CMainFormView(CSableManagerDoc& doc, ServerServiceControl& servic
 
     auto* linksBox = section(Msg::kStartLinks, this);
     auto* linksLayout = new QHBoxLayout(linksBox);
-    for (const auto& [text, url] : {std::pair(Msg::kStartHelpLink, links.help), std::pair(Msg::kStartHomeLink, links.home)}) {
-        auto* link = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>").arg(url.toString().toHtmlEscaped(), text), linksBox);
+    for (const auto& [text, url] :
+        {std::pair(Msg::kStartHelpLink, links.help), std::pair(Msg::kStartHomeLink, links.home)}) {
+        auto* link
+            = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>").arg(url.toString().toHtmlEscaped(), text), linksBox);
         link->setTextFormat(Qt::RichText);
         link->setOpenExternalLinks(false);
         connect(link, &QLabel::linkActivated, this, [](const QString& href) { QDesktopServices::openUrl(QUrl(href)); });
@@ -161,10 +165,11 @@ void CMainFormView::showServices()
 {
     const auto& states = m_services.states();
     for (auto it = m_serviceLabels.cbegin(); it != m_serviceLabels.cend(); ++it) {
-        const ServiceReply reply = states.value(it.key(), ServiceReply{ServiceOutcome::Unavailable, {}, {}});
+        const ServiceReply reply = states.value(it.key(), ServiceReply {ServiceOutcome::Unavailable, {}, {}});
         const QString text = stateText(reply);
         it.value()->setProperty("state", text);
-        it.value()->setText(QStringLiteral("<span style=\"color:%1\">●</span> %2").arg(stateColour(reply).name(), text));
+        it.value()->setText(
+            QStringLiteral("<span style=\"color:%1\">●</span> %2").arg(stateColour(reply).name(), text));
     }
 }
 

@@ -77,6 +77,7 @@ COrganizeFormView::COrganizeFormView(CSableManagerDoc& doc, QWidget* parent)
     splitter->addWidget(right);
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 3);
+    splitter->setSizes({190, 470});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(splitter);

@@ -4,6 +4,7 @@
 #include "app/CSableManagerDoc.h"
 #include "app/CommandIds.h"
 #include "app/RankEdits.h"
+#include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/RankModels.h"
 #include "ui/BalloonTip.h"
 
@@ -17,7 +18,6 @@
 #include <QTimer>
 #include <QTreeView>
 #include <QVBoxLayout>
-
 
 namespace sable {
 namespace {
@@ -79,8 +79,13 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 2);
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(4, 4, 4, 4);
-    layout->addWidget(splitter);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(makePageTitle(Msg::kRankEditorTitle, this));
+    auto* body = new QVBoxLayout;
+    body->setContentsMargins(4, 4, 4, 4);
+    body->addWidget(splitter);
+    layout->addLayout(body, 1);
 
     m_tree->setModel(m_rankModel);
     m_tree->setHeaderHidden(true);
@@ -96,12 +101,13 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
     m_grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     m_grid->verticalHeader()->setDefaultSectionSize(20);
-    m_grid->setColumnWidth(MembershipRankModel::ColLoginId, 110);
-    m_grid->setColumnWidth(MembershipRankModel::ColDepartment, 240);
-    m_grid->horizontalHeader()->setStretchLastSection(true);
+    m_grid->setColumnWidth(MembershipRankModel::ColLoginId, 100);
+    m_grid->setColumnWidth(MembershipRankModel::ColRank, 90);
+    m_grid->horizontalHeader()->setSectionResizeMode(MembershipRankModel::ColDepartment, QHeaderView::Stretch);
 
     connect(m_rankModel, &QAbstractItemModel::modelReset, m_tree, &QTreeView::expandAll);
-    connect(m_rankModel, &RankTreeModel::messageRequested, this, [this](const QString& text) { m_prompter.warn(this, text); });
+    connect(m_rankModel, &RankTreeModel::messageRequested, this,
+        [this](const QString& text) { m_prompter.warn(this, text); });
     connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this, &CPositionFormView::selectionChanged);
     connect(m_tree, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
         const QModelIndex index = m_tree->indexAt(pos);
@@ -160,7 +166,8 @@ void CPositionFormView::renameRank()
 
 void CPositionFormView::deleteRank()
 {
-    RankEdits(m_doc).deleteRank(selectedRank(), [this](const QString& question) { return m_prompter.askYesNo(this, question); });
+    RankEdits(m_doc).deleteRank(
+        selectedRank(), [this](const QString& question) { return m_prompter.askYesNo(this, question); });
     showHints();
 }
 

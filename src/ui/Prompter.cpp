@@ -19,9 +19,14 @@ Prompter Prompter::messageBoxes()
         return QMessageBox::question(parent, titleOf(parent), question, QMessageBox::Yes | QMessageBox::No)
             == QMessageBox::Yes;
     };
+    prompter.askYesNoDetailed = [](QWidget* parent, const QString& question, const QString& details) {
+        QMessageBox box(QMessageBox::Question, titleOf(parent), question, QMessageBox::Yes | QMessageBox::No, parent);
+        box.setInformativeText(details);
+        return box.exec() == QMessageBox::Yes;
+    };
     prompter.askYesNoCancel = [](QWidget* parent, const QString& question) {
-        switch (QMessageBox::question(parent, titleOf(parent), question,
-                                      QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)) {
+        switch (QMessageBox::question(
+            parent, titleOf(parent), question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)) {
         case QMessageBox::Yes:
             return Answer::Yes;
         case QMessageBox::No:
@@ -30,7 +35,8 @@ Prompter Prompter::messageBoxes()
             return Answer::Cancel;
         }
     };
-    prompter.inform = [](QWidget* parent, const QString& text) { QMessageBox::information(parent, titleOf(parent), text); };
+    prompter.inform
+        = [](QWidget* parent, const QString& text) { QMessageBox::information(parent, titleOf(parent), text); };
     prompter.warn = [](QWidget* parent, const QString& text) { QMessageBox::warning(parent, titleOf(parent), text); };
     return prompter;
 }

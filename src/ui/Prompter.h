@@ -20,6 +20,8 @@ struct Prompter
     };
 
     std::function<bool(QWidget* parent, const QString& question)> askYesNo;
+    // A question with more to read below it (shown smaller, under the question).
+    std::function<bool(QWidget* parent, const QString& question, const QString& details)> askYesNoDetailed;
     std::function<Answer(QWidget* parent, const QString& question)> askYesNoCancel;
     std::function<void(QWidget* parent, const QString& text)> inform;
     std::function<void(QWidget* parent, const QString& text)> warn;

@@ -1,0 +1,369 @@
+// The console window as an administrator uses it: navigation, the commands each view offers, the
+// chart editor's editing by hand, saving, closing and stopping a load.
+
+#include "ChartText.h"
+#include "TestSupport.h"
+#include "app/CMainFrame.h"
+#include "app/ServerServiceControl.h"
+#include "db/ConnectionString.h"
+#include "orgchart/COrganizeFormView.h"
+#include "orgchart/COrganizeTemplateView.h"
+#include "orgchart/CProgressThread.h"
+#include "orgchart/MemberFilterModel.h"
+#include "orgchart/MemberListModel.h"
+#include "orgchart/OrgTreeModel.h"
+#include "platform/ServiceBackend.h"
+#include "ui/BalloonTip.h"
+#include "ui/NavigationBar.h"
+
+#include <QAction>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QProcess>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeView>
+
+using namespace sable;
+
+namespace {
+
+// A frame on a demo server folder, with every question answered as the test says.
+struct Console
+{
+    TempHome home;
+    std::unique_ptr<CMainFrame> frame;
+    QStringList asked;
+    QStringList told;
+    bool bYes = true;
+    Prompter::Answer closeAnswer = Prompter::Answer::Cancel;
+
+    Console()
+    {
+        DbConnection create;
+        const QString database = home.paths().defaultDatabasePath;
+        create.open(sqliteConnectionString(database) + QStringLiteral(";FailIfMissing=False"));
+        create = DbConnection();
+    }
+
+    QString database() const { return sqliteConnectionString(home.paths().defaultDatabasePath); }
+
+    CMainFrame& open()
+    {
+        const StartupConfig config = home.config();
+        const StartupSettings settings = config.read();
+        frame = std::make_unique<CMainFrame>(config, settings, std::make_shared<UnavailableServiceBackend>("none"));
+        Prompter prompter;
+        prompter.askYesNo = [this](QWidget*, const QString& q) { return asked << q, bYes; };
+        prompter.askYesNoDetailed = [this](QWidget*, const QString& q, const QString&) { return asked << q, bYes; };
+        prompter.askYesNoCancel = [this](QWidget*, const QString& q) { return asked << q, closeAnswer; };
+        prompter.inform = [this](QWidget*, const QString& text) { told << text; };
+        prompter.warn = prompter.inform;
+        frame->setPrompter(prompter);
+        frame->show();
+        return *frame;
+    }
+
+    bool load()
+    {
+        QSignalSpy loaded(frame.get(), &CMainFrame::chartLoaded);
+        frame->startLoad();
+        return loaded.wait(20000);
+    }
+
+    COrganizeFormView* editor()
+    {
+        frame->switchToView(Cmd::kChartEditor);
+        return frame->chartEditor()->form();
+    }
+};
+
+bool writeDemo(const TempHome& home)
+{
+    QProcess sablectl;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("SABLE_REGISTRY_DIR"), home.registryFolder());
+    sablectl.setProcessEnvironment(env);
+    sablectl.start(QStringLiteral(SABLECTL_PATH),
+        {QStringLiteral("--home"), home.paths().programFolder, QStringLiteral("db"), QStringLiteral("init"),
+            QStringLiteral("--demo")});
+    return sablectl.waitForFinished(60000) && sablectl.exitCode() == 0;
+}
+
+QLineEdit* openEditor(QAbstractItemView* view, const QModelIndex& index)
+{
+    view->setCurrentIndex(index);
+    view->edit(index);
+    return view->viewport()->findChild<QLineEdit*>();
+}
+
+// Ends an in-place edit as Enter does: the delegate hands the editor's text to the view.
+void commit(QAbstractItemView* view, QLineEdit* editor, const QString& text)
+{
+    editor->setText(text);
+    Q_EMIT view->itemDelegate()->commitData(editor);
+    Q_EMIT view->itemDelegate()->closeEditor(editor);
+}
+
+} // namespace
+
+class TestConsoleWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void navigation();
+    void commandStates_data();
+    void commandStates();
+    void dragMembersOntoDepartment();
+    void renameInPlace();
+    void cellLimitBalloon();
+    void saveRefusedOrDeclined();
+    void closeQuestion_data();
+    void closeQuestion();
+    void balloonHelpWritten();
+    void oneUpgradeDownloadAtATime();
+    void stopLoading();
+
+private:
+    std::unique_ptr<Console> m_console;
+};
+
+void TestConsoleWindow::init()
+{
+    m_console = std::make_unique<Console>();
+    QVERIFY(writeDemo(m_console->home));
+}
+
+void TestConsoleWindow::navigation()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    NavigationBar* bar = frame.navigationBar();
+    QCOMPARE(bar->openGroupIndex(), 0);
+    QCOMPARE(frame.currentView(), int(Cmd::kStartPage));
+    bar->itemButton(0)->click();
+    QCOMPARE(frame.currentView(), int(Cmd::kChartEditor));
+    QWidget* editor = frame.view(Cmd::kChartEditor);
+    // The item of the view shown does nothing: the same view, nothing reloaded.
+    bar->itemButton(0)->click();
+    QCOMPARE(frame.view(Cmd::kChartEditor), editor);
+    QVERIFY(bar->itemButton(0)->isChecked());
+    // The file-box settings item opens a dialog and leaves the view as it is.
+    bar->groupButton(1)->click();
+    bar->itemButton(4)->click();
+    QCOMPARE(frame.currentView(), int(Cmd::kChartEditor));
+    QTRY_COMPARE(m_console->told.size(), 1);
+    bar->itemButton(1)->click();
+    QCOMPARE(frame.currentView(), int(Cmd::kRankEditor));
+}
+
+void TestConsoleWindow::commandStates_data()
+{
+    QTest::addColumn<int>("view");
+    QTest::addColumn<bool>("chart");
+    QTest::addColumn<bool>("ranks");
+    QTest::addColumn<bool>("upDown");
+    QTest::newRow("start page") << int(Cmd::kStartPage) << false << false << false;
+    QTest::newRow("chart editor") << int(Cmd::kChartEditor) << true << false << true;
+    QTest::newRow("rank editor") << int(Cmd::kRankEditor) << false << true << true;
+    QTest::newRow("folder permissions") << int(Cmd::kFolderPermissions) << false << false << false;
+}
+
+void TestConsoleWindow::commandStates()
+{
+    QFETCH(int, view);
+    QFETCH(bool, chart);
+    QFETCH(bool, ranks);
+    QFETCH(bool, upDown);
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    frame.switchToView(view);
+    for (int command = Cmd::kAddDepartment; command <= Cmd::kDeleteUser; ++command)
+        QCOMPARE(frame.action(command)->isEnabled(), chart);
+    for (int command = Cmd::kAddRank; command <= Cmd::kDeleteRank; ++command)
+        QCOMPARE(frame.action(command)->isEnabled(), ranks);
+    QCOMPARE(frame.action(Cmd::kMoveUp)->isEnabled(), upDown);
+    QCOMPARE(frame.action(Cmd::kMoveDown)->isEnabled(), upDown);
+    // Without a service manager nothing can be started or stopped.
+    QVERIFY(!frame.action(Cmd::kStopServer)->isEnabled());
+    QVERIFY(frame.action(Cmd::kSave)->isEnabled());
+    QVERIFY(frame.action(Cmd::kBalloonHelp)->isChecked());
+}
+
+void TestConsoleWindow::dragMembersOntoDepartment()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    COrganizeFormView* form = m_console->editor();
+    const QModelIndex research = form->treeModel()->indexOf(frame.document().chart().findGroup(8));
+    // The two interns, in no department, dragged from the member list.
+    QMimeData* data
+        = form->memberModel()->mimeData({form->memberModel()->index(38, 0), form->memberModel()->index(39, 0)});
+    QVERIFY(data->hasFormat(memberDragMimeType()));
+    QCOMPARE(data->data(memberDragMimeType()),
+        QByteArray::fromHex("02000000"
+                            "27000000"
+                            "00000000"
+                            "28000000"
+                            "01000000"));
+    QVERIFY(form->tree()->model()->canDropMimeData(data, Qt::MoveAction, -1, 0, research));
+    form->tree()->model()->dropMimeData(data, Qt::MoveAction, -1, 0, research);
+    form->tree()->model()->dropMimeData(data, Qt::MoveAction, -1, 0, research);
+    QVERIFY(chartText(frame.document().chart(), frame.document().chart().findGroup(8))
+                .endsWith(QStringLiteral("#39:6 #40:6")));
+    QVERIFY(!form->memberModel()->index(38, 0).data(MemberListModel::FadedRole).toBool());
+    // Not onto a member node.
+    const QModelIndex member = form->treeModel()->index(0, 0, research);
+    QVERIFY(!form->tree()->model()->canDropMimeData(data, Qt::MoveAction, -1, 0, member));
+    delete data;
+    QVERIFY(frame.document().isModified());
+    QVERIFY(frame.action(-1)->text().contains(QStringLiteral("기술연구소")));
+}
+
+void TestConsoleWindow::renameInPlace()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    COrganizeFormView* form = m_console->editor();
+    QLineEdit* editor = openEditor(form->tree(), form->treeModel()->indexOf(frame.document().chart().findGroup(3)));
+    QVERIFY(editor);
+    commit(form->tree(), editor, QStringLiteral("인재개발팀"));
+    QCOMPARE(frame.document().chart().findGroup(3)->name(), QStringLiteral("인재개발팀"));
+    // A member node is not renamed in place.
+    const QModelIndex member
+        = form->treeModel()->index(0, 0, form->treeModel()->indexOf(frame.document().chart().findGroup(3)));
+    QVERIFY(!(form->treeModel()->flags(member) & Qt::ItemIsEditable));
+}
+
+void TestConsoleWindow::cellLimitBalloon()
+{
+    m_console->open();
+    QVERIFY(m_console->load());
+    COrganizeFormView* form = m_console->editor();
+    const QModelIndex mobile = form->filterModel()->index(0, ColHP);
+    QLineEdit* editor = openEditor(form->memberList(), mobile);
+    QVERIFY(editor);
+    commit(form->memberList(), editor, QStringLiteral("010-1234-56789"));
+    QVERIFY(BalloonTip::current());
+    QCOMPARE(BalloonTip::current()->balloon().text, QStringLiteral("13자를 초과할 수 없습니다."));
+    QCOMPARE(mobile.data().toString(), QStringLiteral("010-2301-1001"));
+    BalloonTip::hideCurrent();
+}
+
+void TestConsoleWindow::saveRefusedOrDeclined()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    const QStringList before = tableDump(m_console->database());
+    COrganizeFormView* form = m_console->editor();
+    form->memberModel()->setData(form->memberModel()->index(4, ColPasswd), QString());
+    QSignalSpy finished(&frame, &CMainFrame::saveFinished);
+    frame.runCommand(Cmd::kSave);
+    QCOMPARE(finished.size(), 1);
+    QCOMPARE(finished.first().first().value<ChartSave::Outcome>(), ChartSave::Outcome::Refused);
+    QVERIFY(m_console->asked.isEmpty());
+    QCOMPARE(BalloonTip::current()->balloon().text, QStringLiteral("아이디나 비밀번호가 비어있는 아이디가 있습니다."));
+
+    form->memberModel()->setData(form->memberModel()->index(4, ColPasswd), QStringLiteral("new-pass"));
+    m_console->bYes = false;
+    frame.runCommand(Cmd::kSave);
+    QCOMPARE(finished.last().first().value<ChartSave::Outcome>(), ChartSave::Outcome::Declined);
+    QCOMPARE(
+        m_console->asked.last(), QStringLiteral("조직도 및 개인정보가 삭제후  새로 저장됩니다.\n\n저장하시겠습니까?"));
+    QCOMPARE(tableDump(m_console->database()), before);
+}
+
+void TestConsoleWindow::closeQuestion_data()
+{
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("closed");
+    QTest::addColumn<bool>("written");
+    QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << false << false;
+    QTest::newRow("no") << int(Prompter::Answer::No) << true << false;
+    QTest::newRow("yes") << int(Prompter::Answer::Yes) << true << true;
+}
+
+void TestConsoleWindow::closeQuestion()
+{
+    QFETCH(int, answer);
+    QFETCH(bool, closed);
+    QFETCH(bool, written);
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    COrganizeFormView* form = m_console->editor();
+    frame.document().chart().findGroup(2);
+    form->treeModel()->setData(
+        form->treeModel()->indexOf(frame.document().chart().findGroup(2)), QStringLiteral("총괄본부"));
+    QVERIFY(frame.document().isModified());
+    m_console->closeAnswer = static_cast<Prompter::Answer>(answer);
+    frame.close();
+    QCOMPARE(m_console->asked.first(), QStringLiteral("편집 내용을 저장하시겠습니까?"));
+    QTRY_COMPARE(frame.isVisible(), !closed);
+    QCOMPARE(tableDump(m_console->database()).filter(QStringLiteral("총괄본부")).size(), written ? 1 : 0);
+}
+
+void TestConsoleWindow::balloonHelpWritten()
+{
+    CMainFrame& frame = m_console->open();
+    frame.runCommand(Cmd::kBalloonHelp);
+    QVERIFY(!frame.action(Cmd::kBalloonHelp)->isChecked());
+    QVERIFY(m_console->home.readFile(QStringLiteral("registry/HKCU.reg")).contains("\"BalloonHelp\"=dword:00000000"));
+    frame.runCommand(Cmd::kBalloonHelp);
+    QVERIFY(m_console->home.readFile(QStringLiteral("registry/HKCU.reg")).contains("\"BalloonHelp\"=dword:00000001"));
+}
+
+void TestConsoleWindow::oneUpgradeDownloadAtATime()
+{
+    // A web server on 127.0.0.1 that answers only when told to.
+    QTcpServer web;
+    QVERIFY(web.listen(QHostAddress::LocalHost));
+    QList<QTcpSocket*> requests;
+    connect(&web, &QTcpServer::newConnection, &web, [&] { requests << web.nextPendingConnection(); });
+    m_console->home.registry()
+        .createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"))
+        ->writeString(
+            QStringLiteral("UpgradeURL"), QStringLiteral("http://127.0.0.1:%1/SM40Patch.exe").arg(web.serverPort()));
+    CMainFrame& frame = m_console->open();
+    frame.runCommand(Cmd::kPreviousVersionData);
+    QCOMPARE(
+        m_console->asked, QStringList {QStringLiteral("DB업그레이드 프로그램을 다운로드 합니다.\n계속 하시겠습니까?")});
+    QTRY_COMPARE(requests.size(), 1);
+    frame.runCommand(Cmd::kPreviousVersionData);
+    QTest::qWait(200);
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(m_console->asked.size(), 1);
+    const QByteArray program = "#!/bin/sh\ntouch upgraded\n";
+    QTRY_VERIFY(requests.first()->bytesAvailable() > 0 || requests.first()->waitForReadyRead(100));
+    requests.first()->write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(program.size())
+        + "\r\nConnection: close\r\n\r\n" + program);
+    requests.first()->flush();
+    // The program is stored in the server's folder and started there.
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_console->home.paths().programFolder + QStringLiteral("/upgraded")), 10000);
+}
+
+void TestConsoleWindow::stopLoading()
+{
+    // The database is held so that the load waits at its first statement while stop is pressed.
+    DbConnection holder;
+    QVERIFY(holder.open(m_console->database()));
+    QVERIFY(holder.executeNoRecords(QStringLiteral("BEGIN EXCLUSIVE")));
+    CMainFrame& frame = m_console->open();
+    frame.startLoad();
+    QVERIFY(frame.progressWindow());
+    QTRY_VERIFY(frame.progressWindow()->isVisible());
+    frame.progressWindow()->stopButton()->click();
+    QVERIFY(holder.executeNoRecords(QStringLiteral("COMMIT")));
+    // A stop inside the load shows the open failure, then the console closes.
+    QTRY_VERIFY_WITH_TIMEOUT(!frame.isVisible(), 20000);
+    QCOMPARE(m_console->told, QStringList {QStringLiteral("데이터 베이스 파일을 여는중 오류가 발생했습니다.")});
+}
+
+QTEST_MAIN(TestConsoleWindow)
+#include "tst_console_window.moc"
