@@ -396,6 +396,7 @@ inline const QString kImportNextButton = QStringLiteral("다음(&N) >");
 inline const QString kImportAndMore = QStringLiteral("%1 외 %2개");
 inline const QString kImportNothingToApply = QStringLiteral("추가하거나 수정할 사용자가 없습니다.");
 inline const QString kImportDone = QStringLiteral("사용자 %1명을 추가하고 %2명을 수정했습니다.");
+inline const QString kCmdExportUsers = QStringLiteral("사용자 목록 내보내기(&E)...");
 inline const QString kExportDialogTitle = QStringLiteral("사용자 목록 내보내기");
 inline const QString kExportFileFilter = QStringLiteral("CSV 파일 (*.csv)");
 
