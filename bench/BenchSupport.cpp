@@ -20,6 +20,17 @@ double peakMemoryMiB()
     return static_cast<double>(usage.ru_maxrss) / 1024.0;
 }
 
+ChartSize scaledChartSize(const QStringList& arguments)
+{
+    const qsizetype at = arguments.indexOf(QStringLiteral("--scale"));
+    const double scale = at > 0 && at + 1 < arguments.size() ? arguments[at + 1].toDouble() : 1.0;
+    ChartSize size;
+    for (int* value : {&size.members, &size.departments, &size.memberships, &size.folders, &size.groupAuthorities,
+             &size.userAuthorities})
+        *value = std::max(1, static_cast<int>(*value * scale));
+    return size;
+}
+
 void resetPeakMemory()
 {
     QFile clear(QStringLiteral("/proc/self/clear_refs"));

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "ChartGenerator.h"
+
 #include <QElapsedTimer>
 #include <QString>
+#include <QStringList>
 #include <QTextStream>
 
 namespace sable::bench {
@@ -10,6 +13,9 @@ namespace sable::bench {
 double peakMemoryMiB();
 // Starts a new peak measurement (where the system allows it).
 void resetPeakMemory();
+
+// The chart size of the benchmarks, times the factor of "--scale F" in `arguments` (1 without it).
+ChartSize scaledChartSize(const QStringList& arguments);
 
 // One measured step: wall time in seconds.
 template <typename F>

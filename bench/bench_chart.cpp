@@ -166,13 +166,7 @@ int main(int argc, char** argv)
     const QStringList args = app.arguments();
     const qsizetype pgAt = args.indexOf(QStringLiteral("--pg"));
     const QString pg = pgAt > 0 && pgAt + 1 < args.size() ? args[pgAt + 1] : QString();
-    const qsizetype scaleAt = args.indexOf(QStringLiteral("--scale"));
-    const double scale = scaleAt > 0 && scaleAt + 1 < args.size() ? args[scaleAt + 1].toDouble() : 1.0;
-
-    ChartSize size;
-    for (int* value : {&size.members, &size.departments, &size.memberships, &size.folders, &size.groupAuthorities,
-             &size.userAuthorities})
-        *value = std::max(1, static_cast<int>(*value * scale));
+    const ChartSize size = scaledChartSize(args);
     CSableManagerDoc doc;
     doc.adopt(generateChart(size));
     out << "chart: " << doc.chart().memberCount() << " members, " << doc.chart().groupCount() << " departments, "

@@ -62,11 +62,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QTextStream out(stdout);
     const QStringList args = app.arguments();
-    const qsizetype scaleAt = args.indexOf(QStringLiteral("--scale"));
-    const double scale = scaleAt > 0 && scaleAt + 1 < args.size() ? args[scaleAt + 1].toDouble() : 1.0;
-    ChartSize size;
-    for (int* value : {&size.members, &size.departments, &size.memberships})
-        *value = std::max(1, static_cast<int>(*value * scale));
+    const ChartSize size = scaledChartSize(args);
 
     CSableManagerDoc doc;
     ChartContents contents = generateChart(size);

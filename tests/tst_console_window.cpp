@@ -6,6 +6,8 @@
 #include "app/CMainFrame.h"
 #include "app/ServerServiceControl.h"
 #include "db/ConnectionString.h"
+#include "onboarding/RecipientModel.h"
+#include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/CProgressThread.h"
@@ -129,6 +131,8 @@ private Q_SLOTS:
     void closeQuestion();
     void balloonHelpWritten();
     void oneUpgradeDownloadAtATime();
+    void editSaveAndFindAfterRestart();
+    void registrationMailFromTheChartEditor();
     void stopLoading();
 
 private:
@@ -346,6 +350,73 @@ void TestConsoleWindow::oneUpgradeDownloadAtATime()
     requests.first()->flush();
     // The program is stored in the server's folder and started there.
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_console->home.paths().programFolder + QStringLiteral("/upgraded")), 10000);
+}
+
+void TestConsoleWindow::editSaveAndFindAfterRestart()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    COrganizeFormView* form = m_console->editor();
+    OrgChart& chart = frame.document().chart();
+    // A new department under the top one, renamed in place; the two interns dragged into it; a rank
+    // changed; then one step taken back.
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(chart.rootGroup()));
+    frame.runCommand(Cmd::kAddDepartment);
+    QLineEdit* name = form->tree()->viewport()->findChild<QLineEdit*>();
+    QVERIFY(name);
+    commit(form->tree(), name, QStringLiteral("신규사업팀"));
+    OrgNode* team = chart.rootGroup()->child(chart.rootGroup()->childCount() - 1);
+    QCOMPARE(team->name(), QStringLiteral("신규사업팀"));
+    std::unique_ptr<QMimeData> interns(
+        form->memberModel()->mimeData({form->memberModel()->index(38, 0), form->memberModel()->index(39, 0)}));
+    form->treeModel()->dropMimeData(interns.get(), Qt::MoveAction, -1, 0, form->treeModel()->indexOf(team));
+    ChartEdits(frame.document()).setRank(team->child(0), Cmd::kRankNone + 2);
+    ChartEdits(frame.document()).setRank(team->child(1), Cmd::kRankNone + 3);
+    QVERIFY(frame.action(-1)->isEnabled());
+    frame.action(-1)->trigger();
+    QCOMPARE(team->child(1)->rankId(), 6);
+
+    QSignalSpy saved(&frame, &CMainFrame::saveFinished);
+    frame.runCommand(Cmd::kSave);
+    QVERIFY(saved.wait(20000));
+    QCOMPARE(saved.first().first().value<ChartSave::Outcome>(), ChartSave::Outcome::Saved);
+    QVERIFY(!frame.document().isModified());
+    frame.close();
+
+    CMainFrame& again = m_console->open();
+    QVERIFY(m_console->load());
+    const OrgChart& reloaded = again.document().chart();
+    const OrgNode* found = reloaded.rootGroup()->child(reloaded.rootGroup()->childCount() - 1);
+    QCOMPARE(found->name(), QStringLiteral("신규사업팀"));
+    QCOMPARE(chartText(reloaded, found), QStringLiteral("#39:2 #40:6"));
+}
+
+void TestConsoleWindow::registrationMailFromTheChartEditor()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    frame.switchToView(Cmd::kRankEditor);
+    frame.runCommand(Cmd::kRegistrationMail);
+    QCOMPARE(frame.currentView(), int(Cmd::kChartEditor));
+    RegistrationMailDialog* dialog = frame.registrationMailDialog();
+    QVERIFY(dialog && dialog->isVisible());
+    dialog->hide();
+    frame.runCommand(Cmd::kRegistrationMail);
+    QCOMPARE(frame.registrationMailDialog(), dialog);
+    QVERIFY(dialog->isVisible());
+
+    // From the tree, a department gives every member below it; from the list, the selected rows.
+    COrganizeFormView* form = frame.chartEditor()->form();
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(frame.document().chart().findGroup(5)));
+    form->requestRegistrationMail(true);
+    QCOMPARE(dialog->recipients()->rowCount(), 16);
+    form->memberList()->selectRow(0);
+    form->memberList()->selectionModel()->select(
+        form->filterModel()->index(38, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    form->requestRegistrationMail(false);
+    QCOMPARE(dialog->recipients()->rowCount(), 18);
+    form->requestRegistrationMail(false); // already listed: nothing more
+    QCOMPARE(dialog->recipients()->rowCount(), 18);
 }
 
 void TestConsoleWindow::stopLoading()

@@ -50,6 +50,9 @@ public:
     void addUser();
     void deleteUsers();
     void moveSelectedNode(ChartEdits::Move how);
+    // "등록메일(설치파일) 전송(&M)": the selected rows of the member list, or from the tree the
+    // member of a member node or every member below a department.
+    void requestRegistrationMail(bool fromTree);
 
     // Shows a balloon at the place it names; a hint only while balloon help is on.
     void showBalloon(const Balloon& balloon);
@@ -65,7 +68,6 @@ private:
     void buildTreeMenu(QMenu& menu, OrgNode* node);
     void buildMemberMenu(QMenu& menu);
     void addRankSubmenu(QMenu& menu, OrgNode* placement);
-    void requestRegistrationMail(bool fromTree);
     void applyOutcome(const EditOutcome& outcome);
     void onCurrentRowChanged(const QModelIndex& current, const QModelIndex& previous);
     QModelIndex memberIndex(int row, int column) const;

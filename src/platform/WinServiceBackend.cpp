@@ -1,19 +1,13 @@
 #include "platform/WinServiceBackend.h"
 
+#include "platform/WinText.h"
+
 #include <windows.h>
 
 namespace sable {
 namespace {
 
-std::wstring widen(const std::string& utf8)
-{
-    if (utf8.empty())
-        return {};
-    const int n = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
-    std::wstring out(static_cast<size_t>(n), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), out.data(), n);
-    return out;
-}
+using WinText::widen;
 
 std::string describe(const char* what, DWORD error)
 {
