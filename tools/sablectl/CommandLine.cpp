@@ -3,6 +3,8 @@
 #include "app/CSableManagerDoc.h"
 #include "app/ChartSave.h"
 #include "app/ServerDatabase.h"
+#include "app/ServerServiceControl.h"
+#include "app/ServiceManagerSettings.h"
 #include "orgchart/ChartReader.h"
 #include "platform/IniFile.h"
 
@@ -92,9 +94,22 @@ bool loadChart(Context& context, CSableManagerDoc& doc)
     return true;
 }
 
+std::unique_ptr<ServerServiceControl> openServiceControl(Context& context)
+{
+    const auto settings = ServiceManagerSettings::read(context.config.registry());
+    return std::make_unique<ServerServiceControl>(settings.createBackend(), context.config.paths());
+}
+
 int saveChart(Context& context, CSableManagerDoc& doc, bool bYes)
 {
+    // As the console saves: the file-box service stopped while the tables are written, every
+    // service started after it, and a restart when the server cannot be told. Here the caller waits.
+    const std::unique_ptr<ServerServiceControl> services = openServiceControl(context);
     ChartSave::Collaborators with;
+    with.isFileBoxServerRunning = [&services] { return services->isFileBoxServerRunning(); };
+    with.stopFileBoxServer = [&services] { services->stopFileBoxServer(); };
+    with.requestStartAll = [&services] { services->startAll(); };
+    with.restartAll = [&services] { services->restartServices(); };
     with.askYesNo = [&](const QString& question) { return bYes || askOnTerminal(context, question); };
     with.showBalloon = [&context](const Balloon& balloon) { context.err << balloon.text << Qt::endl; };
     with.connect = connector(context);

@@ -7,7 +7,12 @@
 #include <QTextStream>
 
 #include <functional>
+#include <memory>
 #include <vector>
+
+namespace sable {
+class ServerServiceControl;
+}
 
 namespace sable::ctl {
 
@@ -68,6 +73,9 @@ bool askOnTerminal(Context& context, const QString& question);
 bool loadChart(Context& context, CSableManagerDoc& doc);
 // Saves `doc` with the console's save sequence, asking first unless `bYes`; kSuccess, or kFailure
 // after saying why.
+// The server's services as the registry's "ServiceManager" says they are run.
+std::unique_ptr<ServerServiceControl> openServiceControl(Context& context);
+
 int saveChart(Context& context, CSableManagerDoc& doc, bool bYes);
 // Writes `bytes` to standard output as they are; kSuccess or kFailure.
 int printBytes(Context& context, const QByteArray& bytes);
