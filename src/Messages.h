@@ -331,6 +331,75 @@ inline const QString kSetDbCopyFailed
     = QStringLiteral("조직도를 복사하지 못했습니다. 데이터베이스 설정은 바뀌지 않았습니다.\n\n%1");
 inline const QString kSetDbWriteFailed = QStringLiteral("데이터베이스 설정을 저장하지 못했습니다.");
 
+// Bulk import and export of users
+inline const QString kImportDepartmentField = QStringLiteral("부서");
+inline const QString kImportRankField = QStringLiteral("직급");
+inline const QString kImportCannotOpen = QStringLiteral("파일을 열 수 없습니다: %1 (%2)");
+inline const QString kImportUndecodable = QStringLiteral("%1번째 줄을 %2(으)로 읽을 수 없습니다.");
+inline const QString kImportUnclosedQuote = QStringLiteral("%1번째 줄: 따옴표가 닫히지 않았습니다.");
+inline const QString kImportTextAfterQuote
+    = QStringLiteral("%1번째 줄: 닫는 따옴표 뒤에 구분 문자가 아닌 글자가 있습니다.");
+inline const QString kImportNoRows = QStringLiteral("가져올 사용자가 없습니다.");
+inline const QString kImportColumnNumber = QStringLiteral("%1열");
+inline const QString kImportEnterId = QStringLiteral("아이디를 입력하세요.");
+inline const QString kImportEnterName = QStringLiteral("이름을 입력하세요.");
+inline const QString kImportIdTwice = QStringLiteral("같은 아이디가 %1번째 줄에도 있습니다.");
+inline const QString kImportEmailWithoutAt = QStringLiteral("이메일 주소에 @가 없습니다.");
+inline const QString kImportBadChoice = QStringLiteral("%1 또는 %2만 쓸 수 있습니다.");
+inline const QString kImportExtraCells = QStringLiteral("칸이 %1개로 머리글의 %2개보다 많습니다.");
+inline const QString kImportRankCount
+    = QStringLiteral("직급은 하나이거나 부서마다 하나여야 합니다. (부서 %1개, 직급 %2개)");
+inline const QString kImportFateNew = QStringLiteral("추가");
+inline const QString kImportFateUpdate = QStringLiteral("수정");
+inline const QString kImportFateUnchanged = QStringLiteral("변경 없음");
+inline const QString kImportFateRefused = QStringLiteral("거부");
+inline const QString kStepImportUsers = QStringLiteral("사용자 가져오기 (추가 %1명, 수정 %2명)");
+inline const QString kExportCannotWrite = QStringLiteral("파일을 저장할 수 없습니다: %1 (%2)");
+inline const QString kImportWizardTitle = QStringLiteral("사용자 가져오기");
+inline const QString kImportFilePageTitle = QStringLiteral("가져올 파일");
+inline const QString kImportFilePageText
+    = QStringLiteral("사용자 목록이 담긴 CSV 파일(쉼표 또는 탭으로 구분된 텍스트)을 고르세요.");
+inline const QString kImportFileLabel = QStringLiteral("파일(&F):");
+inline const QString kImportBrowse = QStringLiteral("찾아보기(&B)...");
+inline const QString kImportFileDialogTitle = QStringLiteral("가져올 파일 선택");
+inline const QString kImportFileFilter = QStringLiteral("CSV 파일 (*.csv *.tsv *.txt);;모든 파일 (*)");
+inline const QString kImportEncodingLabel = QStringLiteral("인코딩(&E):");
+inline const QString kImportDelimiterLabel = QStringLiteral("구분 문자(&D):");
+inline const QString kImportDetected = QStringLiteral("자동 감지 (%1)");
+inline const QString kImportEncodingCp949 = QStringLiteral("한국어 Windows (CP949)");
+inline const QString kImportComma = QStringLiteral("쉼표");
+inline const QString kImportTab = QStringLiteral("탭");
+inline const QString kImportHeaderCheck = QStringLiteral("첫 줄은 열 이름입니다(&H)");
+inline const QString kImportFileRead = QStringLiteral("열 %1개, 사용자 %2줄을 읽었습니다.");
+inline const QString kImportMappingPageTitle = QStringLiteral("열 연결");
+inline const QString kImportMappingPageText
+    = QStringLiteral("파일의 열을 사용자 정보에 연결하세요. 아이디 열은 꼭 연결해야 합니다.");
+inline const QString kImportFieldColumn = QStringLiteral("항목");
+inline const QString kImportFileColumn = QStringLiteral("파일의 열");
+inline const QString kImportSampleColumn = QStringLiteral("첫 줄의 값");
+inline const QString kImportNotImported = QStringLiteral("(가져오지 않음)");
+inline const QString kImportAddOnly = QStringLiteral("새 사용자만 추가(&A)");
+inline const QString kImportAddAndUpdate = QStringLiteral("새 사용자 추가, 아이디가 같은 사용자는 수정(&U)");
+inline const QString kImportPreviewPageTitle = QStringLiteral("미리 보기");
+inline const QString kImportPreviewPageText = QStringLiteral(
+    "가져오기를 누르면 아래 내용이 조직도에 반영됩니다. 한 번의 실행 취소로 되돌릴 수 있으며, 저장하기 전에는 "
+    "데이터베이스에 기록되지 않습니다.");
+inline const QString kImportSummary = QStringLiteral("추가 %1명, 수정 %2명, 변경 없음 %3명, 거부 %4명");
+inline const QString kImportCreates = QStringLiteral("새 부서 %1개, 새 직급 %2개가 만들어집니다.");
+inline const QString kImportRefusedOnly = QStringLiteral("거부된 줄만 보기(&R)");
+inline const QString kImportLineColumn = QStringLiteral("줄");
+inline const QString kImportFateColumn = QStringLiteral("결과");
+inline const QString kImportReasonColumn = QStringLiteral("사유");
+inline const QString kImportFinishButton = QStringLiteral("가져오기(&I)");
+inline const QString kImportBackButton = QStringLiteral("< 뒤로(&B)");
+inline const QString kImportNextButton = QStringLiteral("다음(&N) >");
+inline const QString kImportAndMore = QStringLiteral("%1 외 %2개");
+inline const QString kImportNothingToApply = QStringLiteral("추가하거나 수정할 사용자가 없습니다.");
+inline const QString kImportDone = QStringLiteral("사용자 %1명을 추가하고 %2명을 수정했습니다.");
+inline const QString kCmdExportUsers = QStringLiteral("사용자 목록 내보내기(&E)...");
+inline const QString kExportDialogTitle = QStringLiteral("사용자 목록 내보내기");
+inline const QString kExportFileFilter = QStringLiteral("CSV 파일 (*.csv)");
+
 // File box: the server settings dialog
 inline const QString kFileBoxSettingsTitle = QStringLiteral("SableBox 설정");
 inline const QString kFileBoxSettingsHeading = QStringLiteral("SableBox 서버 설정");

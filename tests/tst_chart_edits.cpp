@@ -18,20 +18,6 @@ namespace {
 const AskYesNo kYes = [](const QString&) { return true; };
 const AskYesNo kNo = [](const QString&) { return false; };
 
-// Everything a save would write, plus what only memory holds: the deletion lists, members without a
-// login ID, and the modified flag.
-QByteArray snapshot(const CSableManagerDoc& doc)
-{
-    QByteArray out = ChartJson::write(doc);
-    for (const MemberRecord& m : doc.chart().members())
-        out += m.MemberID.isEmpty() ? QByteArray("no-id:") + QByteArray::number(m.K_MemberID) : QByteArray();
-    for (const int id : doc.deletedMembers())
-        out += " dm" + QByteArray::number(id);
-    for (const int id : doc.deletedGroups())
-        out += " dg" + QByteArray::number(id);
-    return out + (doc.isModified() ? " modified" : " clean");
-}
-
 // 본사[A B 팀[C]] with members A..C = 1..3 and ranks 부장(1), 대리(2), 사원(3).
 void smallChart(CSableManagerDoc& doc, const QList<int>& ranksOfRootMembers = {1, 2})
 {

@@ -18,6 +18,8 @@ private Q_SLOTS:
     void chartExportImportRoundTrip();
     void chartImportRefusals_data();
     void chartImportRefusals();
+    void usersImportSample();
+    void usersImportRefusesMalformedFile();
 
 private:
     struct Result
@@ -174,6 +176,82 @@ void TestSablectl::chartImportRefusals()
             home.path(QStringLiteral("bad.json")), QStringLiteral("--yes")});
     QCOMPARE(result.code, 1);
     QVERIFY2(result.err.contains(message), qPrintable(result.err));
+    QCOMPARE(tableDump(database), before);
+}
+
+void TestSablectl::usersImportSample()
+{
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    const auto users = [&](QStringList args) {
+        return run(home, QStringList {QStringLiteral("--home"), folder, QStringLiteral("users")} + args);
+    };
+    QCOMPARE(
+        run(home,
+            {QStringLiteral("--home"), folder, QStringLiteral("db"), QStringLiteral("init"), QStringLiteral("--demo")})
+            .code,
+        0);
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const QStringList before = tableDump(database);
+    const QString sample = QStringLiteral(SAMPLE_USERS);
+
+    // The dry run tells everything and writes nothing.
+    const Result dry = users({QStringLiteral("import"), sample, QStringLiteral("--dry-run")});
+    QCOMPARE(dry.code, 0);
+    for (const char* line :
+        {"new 5, update 0, unchanged 0, refused 6", "new department: 세이블상사/고객지원본부/상담팀/야간조",
+            "new rank: 선임연구원", "refused: line 7: 아이디: 이미 존재하는 아이디입니다.",
+            "refused: line 8: 비밀번호: 비밀번호를 입력하세요.",
+            "refused: line 10: 아이디: 같은 아이디가 9번째 줄에도 있습니다.",
+            "refused: line 11: 휴대폰: 13자를 초과할 수 없습니다.",
+            "refused: line 12: 이메일: 이메일 주소에 @가 없습니다.", "dry run: nothing was written"})
+        QVERIFY2(dry.out.contains(QString::fromUtf8(line)), line);
+    QCOMPARE(tableDump(database), before);
+
+    // Without --yes the save asks; no answer writes nothing.
+    const Result unanswered = users({QStringLiteral("import"), sample});
+    QCOMPARE(unanswered.code, 1);
+    QCOMPARE(tableDump(database), before);
+
+    const Result imported
+        = users({QStringLiteral("import"), sample, QStringLiteral("--update"), QStringLiteral("--yes")});
+    QVERIFY2(imported.code == 0, qPrintable(imported.err));
+    QVERIFY(imported.out.contains(QLatin1String("saved: 5 added, 1 updated, 4 departments and 2 ranks created")));
+    const Result exported = users({QStringLiteral("export")});
+    QCOMPARE(exported.code, 0);
+    QVERIFY(
+        exported.out.contains(QStringLiteral("\njhkim,김정훈,sable1234,남자,있음,jhkim@example.com,010-9000-0001,")));
+    QVERIFY(exported.out.contains(QStringLiteral(",세이블상사/고객지원본부/상담팀/야간조,사원\r\n")));
+
+    // What was saved reads back as it is.
+    home.writeFile(QStringLiteral("users.csv"), exported.out.toUtf8());
+    const QStringList saved = tableDump(database);
+    const Result again = users({QStringLiteral("import"), home.path(QStringLiteral("users.csv")),
+        QStringLiteral("--update"), QStringLiteral("--yes")});
+    QCOMPARE(again.code, 0);
+    QVERIFY(again.out.contains(QLatin1String("new 0, update 0, unchanged 45, refused 0")));
+    QVERIFY(again.out.contains(QLatin1String("nothing to import")));
+    QCOMPARE(tableDump(database), saved);
+}
+
+void TestSablectl::usersImportRefusesMalformedFile()
+{
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QCOMPARE(
+        run(home,
+            {QStringLiteral("--home"), folder, QStringLiteral("db"), QStringLiteral("init"), QStringLiteral("--demo")})
+            .code,
+        0);
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const QStringList before = tableDump(database);
+    home.writeFile(QStringLiteral("bad.csv"), "아이디,이름,비밀번호\nnew1,가,pw\nnew2,\"나,pw\nnew3,다,pw\n");
+    const Result result = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("users"), QStringLiteral("import"),
+            home.path(QStringLiteral("bad.csv")), QStringLiteral("--yes")});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.err.contains(QStringLiteral("3번째 줄: 따옴표가 닫히지 않았습니다.; nothing was written")),
+        qPrintable(result.err));
     QCOMPARE(tableDump(database), before);
 }
 

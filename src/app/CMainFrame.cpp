@@ -23,10 +23,14 @@
 #include "platform/IniFile.h"
 #include "ui/Icons.h"
 #include "ui/NavigationBar.h"
+#include "userimport/ImportWizard.h"
+#include "userimport/UserExport.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -154,6 +158,14 @@ void CMainFrame::createMenus()
     addCommand(file, Cmd::kRegistrationMail, Msg::kCmdRegistrationMail);
     addCommand(file, Cmd::kPreviousVersionData, Msg::kCmdPreviousVersionData);
     addCommand(file, Cmd::kImportUsers, Msg::kCmdImportUsers, QKeySequence(Qt::CTRL | Qt::Key_O));
+    // The member list as a file that the import reads back; a command of this console's own.
+    connect(file->addAction(Msg::kCmdExportUsers), &QAction::triggered, this, [this] {
+        const QString path = QFileDialog::getSaveFileName(
+            this, Msg::kExportDialogTitle, QDir::home().filePath(QStringLiteral("users.csv")), Msg::kExportFileFilter);
+        QString problem;
+        if (!path.isEmpty() && !UserExport::writeFile(m_doc, path, &problem))
+            m_prompter.warn(this, problem);
+    });
     file->addSeparator();
     addCommand(file, Cmd::kSave, Msg::kCmdSave, QKeySequence(Qt::CTRL | Qt::Key_S))->setIcon(Icons::save());
     file->addSeparator();
@@ -388,9 +400,11 @@ void CMainFrame::runCommand(int command)
     case Cmd::kPreviousVersionData:
         downloadUpgrade();
         break;
-    case Cmd::kImportUsers:
-        m_prompter.inform(this, Msg::kNotAvailableYet);
+    case Cmd::kImportUsers: {
+        ImportWizard wizard(m_doc, this);
+        wizard.exec();
         break;
+    }
     case Cmd::kDeletePermission:
         if (fileBoxView())
             fileBoxView()->deleteSelectedPermissions();

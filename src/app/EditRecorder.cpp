@@ -135,6 +135,24 @@ private:
     MemberRecord m_member;
 };
 
+class InsertMembers final : public DocChange
+{
+public:
+    InsertMembers(int row, std::vector<MemberRecord> members)
+        : m_members(std::move(members))
+    {
+        m_rows.resize(m_members.size());
+        for (size_t i = 0; i < m_rows.size(); ++i)
+            m_rows[i] = row + static_cast<int>(i);
+    }
+    void redo(CSableManagerDoc& doc) override { doc.chart().insertMembers(m_rows, std::move(m_members)); }
+    void undo(CSableManagerDoc& doc) override { m_members = doc.chart().takeMembers(m_rows); }
+
+private:
+    std::vector<int> m_rows;
+    std::vector<MemberRecord> m_members;
+};
+
 class RemoveMembers final : public DocChange
 {
 public:
@@ -441,6 +459,12 @@ void EditRecorder::setRank(OrgNode* placement, int rankId)
 void EditRecorder::insertMember(int row, const MemberRecord& member)
 {
     apply(std::make_unique<InsertMember>(row, member));
+}
+
+void EditRecorder::insertMembers(int row, std::vector<MemberRecord> members)
+{
+    if (!members.empty())
+        apply(std::make_unique<InsertMembers>(row, std::move(members)));
 }
 
 void EditRecorder::removeMembers(const std::vector<int>& rows)

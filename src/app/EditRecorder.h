@@ -35,6 +35,8 @@ public:
     void setRank(OrgNode* placement, int rankId);
 
     void insertMember(int row, const MemberRecord& member);
+    // Inserts `members` as consecutive rows from `row` (one change, however many members).
+    void insertMembers(int row, std::vector<MemberRecord> members);
     void removeMembers(const std::vector<int>& rows);
     void setMember(int row, const MemberRecord& member);
 

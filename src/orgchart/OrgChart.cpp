@@ -72,6 +72,7 @@ void OrgChart::swapContents(OrgChart& other)
     notify([](OrgChartListener& l) { l.chartAboutToReset(); });
     std::swap(m_root, other.m_root);
     std::swap(m_groupsById, other.m_groupsById);
+    std::swap(m_groupIdUses, other.m_groupIdUses);
     std::swap(m_placements, other.m_placements);
     std::swap(m_groupCount, other.m_groupCount);
     std::swap(m_placementCount, other.m_placementCount);
@@ -295,6 +296,7 @@ void OrgChart::registerSubtree(OrgNode* node, std::vector<int>* gainedMembers)
     const auto add = [this, gainedMembers](OrgNode* current) {
         if (current->isGroup()) {
             ++m_groupCount;
+            ++m_groupIdUses[current->groupId()];
             if (!m_groupsById.contains(current->groupId()))
                 m_groupsById.insert(current->groupId(), current);
             return;
@@ -315,9 +317,13 @@ void OrgChart::unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers)
     const auto remove = [&](OrgNode* current) {
         if (current->isGroup()) {
             --m_groupCount;
+            const int uses = --m_groupIdUses[current->groupId()];
+            if (uses == 0)
+                m_groupIdUses.remove(current->groupId());
             if (m_groupsById.value(current->groupId()) == current) {
                 m_groupsById.remove(current->groupId());
-                orphanedGroupIds.push_back(current->groupId());
+                if (uses > 0)
+                    orphanedGroupIds.push_back(current->groupId());
             }
             return;
         }
@@ -331,7 +337,7 @@ void OrgChart::unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers)
     };
     remove(node);
     walk(node, remove);
-    // Another department may carry the same identifier; it becomes the one found.
+    // Another department carries the same identifier: it becomes the one found.
     for (const int id : orphanedGroupIds) {
         forEachGroup([&](OrgNode* group) {
             if (group->groupId() == id && !m_groupsById.contains(id))

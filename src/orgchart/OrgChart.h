@@ -115,6 +115,7 @@ private:
 
     std::unique_ptr<OrgNode> m_root;
     QHash<int, OrgNode*> m_groupsById;
+    QHash<int, int> m_groupIdUses; // departments per identifier; more than one is rare
     std::unordered_map<int, std::vector<OrgNode*>> m_placements;
     int m_groupCount = 0;
     int m_placementCount = 0;

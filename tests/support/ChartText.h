@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/CSableManagerDoc.h"
+#include "app/ChartJson.h"
 #include "orgchart/OrgChart.h"
 
 #include <QString>
@@ -21,4 +23,18 @@ inline QString chartText(const sable::OrgChart& chart, const sable::OrgNode* nod
         parts << (child->childCount() ? child->name() + u'[' + chartText(chart, child) + u']' : child->name());
     }
     return parts.join(u' ');
+}
+
+// Everything a save would write, plus what only memory holds: the deletion lists, members without a
+// login ID, and the modified flag; for checking that an undo gives back exactly the document before.
+inline QByteArray snapshot(const sable::CSableManagerDoc& doc)
+{
+    QByteArray out = sable::ChartJson::write(doc);
+    for (const sable::MemberRecord& m : doc.chart().members())
+        out += m.MemberID.isEmpty() ? QByteArray("no-id:") + QByteArray::number(m.K_MemberID) : QByteArray();
+    for (const int id : doc.deletedMembers())
+        out += " dm" + QByteArray::number(id);
+    for (const int id : doc.deletedGroups())
+        out += " dg" + QByteArray::number(id);
+    return out + (doc.isModified() ? " modified" : " clean");
 }

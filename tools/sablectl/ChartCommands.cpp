@@ -1,54 +1,24 @@
 #include "CommandLine.h"
 #include "app/CSableManagerDoc.h"
 #include "app/ChartJson.h"
-#include "app/ChartSave.h"
-#include "app/ServerDatabase.h"
-#include "orgchart/ChartReader.h"
-#include "platform/IniFile.h"
+#include "db/DbConnection.h"
 
 #include <QFile>
 #include <QSet>
 
-#include <cstdio>
-
 namespace sable::ctl {
 namespace {
-
-class QuietProgress final : public LoadProgress
-{
-public:
-    void setText(const QString&) override { }
-    void setRange(int) override { }
-    void setPosition(int) override { }
-};
-
-std::function<DbConnection()> connector(Context& context)
-{
-    return [&context] {
-        return ServerDatabase::connect(
-            context.config, [&context](const QString&, const QString& text) { context.err << text << Qt::endl; });
-    };
-}
 
 int exportChart(Context& context, QStringList args)
 {
     if (args.size() > 1)
         return kUsage;
-    context.config.read();
-    QuietProgress progress;
-    const std::atomic<int> bContinue {1};
-    ChartReader::Result result = ChartReader::read(connector(context), progress, bContinue);
-    if (result.outcome != ChartReader::Outcome::Loaded)
-        return context.fail(ChartReader::message(result.outcome) + u'\n' + result.errorText);
     CSableManagerDoc doc;
-    doc.adopt(std::move(result.contents));
+    if (!loadChart(context, doc))
+        return kFailure;
     const QByteArray json = ChartJson::write(doc);
-    if (args.isEmpty()) {
-        context.out.flush();
-        return fwrite(json.constData(), 1, static_cast<size_t>(json.size()), stdout) == static_cast<size_t>(json.size())
-            ? kSuccess
-            : kFailure;
-    }
+    if (args.isEmpty())
+        return printBytes(context, json);
     QFile file(args.first());
     if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size())
         return context.fail(QStringLiteral("cannot write %1: %2").arg(args.first(), file.errorString()));
@@ -80,15 +50,6 @@ void markDeleted(Context& context, CSableManagerDoc& doc)
     doc.deletedGroups() = sortedGroups;
 }
 
-bool askOnTerminal(Context& context, const QString& question)
-{
-    context.err << question << " [y/N] " << Qt::flush;
-    char answer[16] = {};
-    if (!fgets(answer, sizeof answer, stdin))
-        return false;
-    return answer[0] == 'y' || answer[0] == 'Y';
-}
-
 int importChart(Context& context, QStringList args)
 {
     const bool yes = takeFlag(args, QStringLiteral("--yes"));
@@ -108,23 +69,11 @@ int importChart(Context& context, QStringList args)
     markDeleted(context, doc);
     doc.setModified(true);
 
-    ChartSave::Collaborators with;
-    with.askYesNo = [&](const QString& question) { return yes || askOnTerminal(context, question); };
-    with.showBalloon = [&context](const Balloon& balloon) { context.err << balloon.text << Qt::endl; };
-    with.connect = connector(context);
-    switch (ChartSave::run(doc, IniFile(context.config.paths().settingsFilePath), with)) {
-    case ChartSave::Outcome::Saved:
+    const int code = saveChart(context, doc, yes);
+    if (code == kSuccess)
         context.out << "saved: " << doc.chart().memberCount() << " members, " << doc.chart().groupCount()
                     << " departments" << Qt::endl;
-        return kSuccess;
-    case ChartSave::Outcome::Declined:
-        return context.fail(QStringLiteral("not saved"));
-    case ChartSave::Outcome::Refused:
-        return context.fail(QStringLiteral("nothing was written"));
-    case ChartSave::Outcome::DatabaseFailed:
-        return context.fail(DbConnection::lastError());
-    }
-    return kFailure;
+    return code;
 }
 
 } // namespace

@@ -7,7 +7,12 @@
 #include <QTextStream>
 
 #include <functional>
+#include <memory>
 #include <vector>
+
+namespace sable {
+class ServerServiceControl;
+}
 
 namespace sable::ctl {
 
@@ -49,5 +54,32 @@ std::vector<Command> dbCommands();
 std::vector<Command> notifyCommands();
 std::vector<Command> chartCommands();
 std::vector<Command> servicesCommands();
+
+} // namespace sable::ctl
+
+// Shared by the commands that load or save the chart, and the users commands.
+namespace sable {
+class CSableManagerDoc;
+class DbConnection;
+} // namespace sable
+
+namespace sable::ctl {
+
+// Opens the database as start-up chooses it; database errors go to stderr.
+std::function<DbConnection()> connector(Context& context);
+// Asks on the terminal; true for an answer that begins with y.
+bool askOnTerminal(Context& context, const QString& question);
+// Reads the chart, the ranks and the file-box lists into `doc`; false after saying why.
+bool loadChart(Context& context, CSableManagerDoc& doc);
+// Saves `doc` with the console's save sequence, asking first unless `bYes`; kSuccess, or kFailure
+// after saying why.
+// The server's services as the registry's "ServiceManager" says they are run.
+std::unique_ptr<ServerServiceControl> openServiceControl(Context& context);
+
+int saveChart(Context& context, CSableManagerDoc& doc, bool bYes);
+// Writes `bytes` to standard output as they are; kSuccess or kFailure.
+int printBytes(Context& context, const QByteArray& bytes);
+
+std::vector<Command> usersCommands();
 
 } // namespace sable::ctl

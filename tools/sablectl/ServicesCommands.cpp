@@ -30,12 +30,6 @@ QString stateText(const ServiceReply& reply)
     return QStringLiteral("stopped");
 }
 
-std::unique_ptr<ServerServiceControl> openControl(Context& context)
-{
-    const auto settings = ServiceManagerSettings::read(context.config.registry());
-    return std::make_unique<ServerServiceControl>(settings.createBackend(), context.config.paths());
-}
-
 // The states of the seven services; nullopt (with the reason printed) when the service manager
 // cannot be reached at all.
 std::optional<QStringList> printStates(Context& context, ServerServiceControl& control)
@@ -62,7 +56,7 @@ int showStatus(Context& context, QStringList args)
 {
     if (!args.isEmpty())
         return kUsage;
-    const auto control = openControl(context);
+    const auto control = openServiceControl(context);
     return printStates(context, *control) ? kSuccess : kFailure;
 }
 
@@ -70,7 +64,7 @@ int startAll(Context& context, QStringList args)
 {
     if (!args.isEmpty())
         return kUsage;
-    const auto control = openControl(context);
+    const auto control = openServiceControl(context);
     if (!printStates(context, *control))
         return kFailure;
     const ServerServiceControl::StartAllResult result = control->startAll();
@@ -90,7 +84,7 @@ int stopServer(Context& context, QStringList args)
 {
     if (!args.isEmpty())
         return kUsage;
-    const auto control = openControl(context);
+    const auto control = openServiceControl(context);
     if (!printStates(context, *control))
         return kFailure;
     const QStringList notStopped = control->stopServer();

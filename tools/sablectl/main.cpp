@@ -12,7 +12,8 @@ namespace {
 std::vector<Command> allCommands()
 {
     std::vector<Command> all;
-    for (auto part : {configCommands(), dbCommands(), chartCommands(), notifyCommands(), servicesCommands()})
+    for (auto part :
+        {configCommands(), dbCommands(), chartCommands(), notifyCommands(), servicesCommands(), usersCommands()})
         all.insert(all.end(), part.begin(), part.end());
     return all;
 }
