@@ -705,7 +705,8 @@ ChartSave::Collaborators CMainFrame::saveCollaborators()
     with.stopFileBoxServer = [this] { m_services->stopFileBoxServer(); };
     with.requestStartAll = [this] { m_services->requestStartAll(); };
     with.restartAll = [this] { m_services->requestRestart(); };
-    with.bEditorOpen = chartEditor() != nullptr;
+    // The chart is read into the editing data when the console starts; without it there is nothing to save.
+    with.bEditorOpen = m_bChartLoaded;
     return with;
 }
 
