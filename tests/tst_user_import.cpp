@@ -306,13 +306,7 @@ void TestUserImport::undoRestoresExactly()
     QVERIFY(after != before);
     QCOMPARE(doc.history().index(), steps + 1);
     QCOMPARE(doc.history().undoText(), QStringLiteral("사용자 가져오기 (추가 1명, 수정 2명)"));
-    doc.history().undo();
-    QCOMPARE(snapshot(doc), before);
-    doc.history().redo();
-    QCOMPARE(snapshot(doc), after);
-    doc.history().undo();
-    doc.history().undo();
-    QVERIFY(!doc.isModified());
+    verifyUndoRedo(doc, before, after);
 }
 
 void TestUserImport::exportThenImportChangesNothing()

@@ -124,9 +124,7 @@ QVariant FolderPermissionModel::data(const QModelIndex& index, int role) const
         return role == Qt::DisplayRole ? (row.grantee.isDepartment() ? Msg::kGranteeDepartment : Msg::kGranteeUser)
                                        : QVariant();
     case ColLevel:
-        if (role == Qt::DisplayRole)
-            return FileBoxLists::levelName(row.level);
-        return role == Qt::EditRole ? QVariant(row.level) : QVariant();
+        return levelCellData(row.level, role);
     default:
         return {};
     }

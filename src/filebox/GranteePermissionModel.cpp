@@ -154,9 +154,7 @@ QVariant GranteePermissionModel::data(const QModelIndex& index, int role) const
     case ColFolder:
         return folderData(row, role);
     case ColLevel:
-        if (role == Qt::DisplayRole)
-            return FileBoxLists::levelName(row.level);
-        return role == Qt::EditRole ? QVariant(row.level) : QVariant();
+        return levelCellData(row.level, role);
     case ColSource:
         if (role != Qt::DisplayRole)
             return {};

@@ -20,6 +20,23 @@ QMimeData* granteeMimeData(const std::vector<Grantee>& grantees)
     return mime;
 }
 
+namespace {
+
+// The grantees of the dragged rows, each once, in the order of the rows.
+template <typename Model>
+QMimeData* granteesOf(const Model& model, const QModelIndexList& indexes)
+{
+    std::vector<Grantee> grantees;
+    for (const QModelIndex& index : indexes) {
+        const auto grantee = model.granteeAt(index);
+        if (grantee && std::find(grantees.begin(), grantees.end(), *grantee) == grantees.end())
+            grantees.push_back(*grantee);
+    }
+    return granteeMimeData(grantees);
+}
+
+} // namespace
+
 // --- The department tree ----------------------------------------------------------------------------
 
 GranteeTreeModel::GranteeTreeModel(OrgTreeModel* tree, QObject* parent)
@@ -65,13 +82,7 @@ QStringList GranteeTreeModel::mimeTypes() const
 
 QMimeData* GranteeTreeModel::mimeData(const QModelIndexList& indexes) const
 {
-    std::vector<Grantee> grantees;
-    for (const QModelIndex& index : indexes) {
-        const auto grantee = granteeAt(index);
-        if (grantee && std::find(grantees.begin(), grantees.end(), *grantee) == grantees.end())
-            grantees.push_back(*grantee);
-    }
-    return granteeMimeData(grantees);
+    return granteesOf(*this, indexes);
 }
 
 Qt::DropActions GranteeTreeModel::supportedDragActions() const
@@ -120,13 +131,7 @@ QStringList GranteeMemberModel::mimeTypes() const
 
 QMimeData* GranteeMemberModel::mimeData(const QModelIndexList& indexes) const
 {
-    std::vector<Grantee> grantees;
-    for (const QModelIndex& index : indexes) {
-        const auto grantee = granteeAt(index);
-        if (grantee && std::find(grantees.begin(), grantees.end(), *grantee) == grantees.end())
-            grantees.push_back(*grantee);
-    }
-    return granteeMimeData(grantees);
+    return granteesOf(*this, indexes);
 }
 
 Qt::DropActions GranteeMemberModel::supportedDragActions() const

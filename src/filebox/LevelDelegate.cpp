@@ -30,6 +30,13 @@ void LevelDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, con
     model->setData(index, static_cast<QComboBox*>(editor)->currentData());
 }
 
+QVariant levelCellData(int level, int role)
+{
+    if (role == Qt::DisplayRole)
+        return FileBoxLists::levelName(level);
+    return role == Qt::EditRole ? QVariant(level) : QVariant();
+}
+
 std::optional<int> levelOfValue(const QVariant& value)
 {
     for (const int level : {NoAccess, Read, ReadWrite}) {

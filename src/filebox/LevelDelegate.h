@@ -22,5 +22,7 @@ public:
 
 // The level a value given to a permission model stands for: a number 0..2 or a level's name.
 std::optional<int> levelOfValue(const QVariant& value);
+// A level cell of a permission model: its name to show, its number to edit.
+QVariant levelCellData(int level, int role);
 
 } // namespace sable

@@ -5,6 +5,7 @@
 #include "orgchart/OrgChart.h"
 
 #include <QString>
+#include <QTest>
 
 // The tree as one line, for comparing charts in tests: departments by name with their children in
 // brackets, members as #K_MemberID with their rank after a colon when they have one.
@@ -37,4 +38,17 @@ inline QByteArray snapshot(const sable::CSableManagerDoc& doc)
     for (const int id : doc.deletedGroups())
         out += " dg" + QByteArray::number(id);
     return out + (doc.isModified() ? " modified" : " clean");
+}
+
+// Undo gives back exactly `before`, redo exactly `after`; undoing that step and the one before it
+// (the first edit since the load) leaves nothing unsaved.
+inline void verifyUndoRedo(sable::CSableManagerDoc& doc, const QByteArray& before, const QByteArray& after)
+{
+    doc.history().undo();
+    QCOMPARE(snapshot(doc), before);
+    doc.history().redo();
+    QCOMPARE(snapshot(doc), after);
+    doc.history().undo();
+    doc.history().undo();
+    QVERIFY(!doc.isModified());
 }
