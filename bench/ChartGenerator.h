@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/CSableManagerDoc.h"
+#include "document/CSableManagerDoc.h"
 
 namespace sable::bench {
 

@@ -4,11 +4,11 @@
 
 #include "BenchSupport.h"
 #include "ChartGenerator.h"
-#include "app/ChartSave.h"
 #include "db/ConnectionString.h"
 #include "db/DbConnection.h"
 #include "db/DbSchema.h"
-#include "orgchart/ChartReader.h"
+#include "document/ChartReader.h"
+#include "document/ChartSave.h"
 #include "orgchart/ChartRows.h"
 #include "platform/IniFile.h"
 

@@ -5,7 +5,7 @@
 
 #include "BenchSupport.h"
 #include "ChartGenerator.h"
-#include "app/CSableManagerDoc.h"
+#include "document/CSableManagerDoc.h"
 #include "orgchart/COrganizeFormView.h"
 
 #include <QAbstractTableModel>

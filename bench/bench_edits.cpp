@@ -4,9 +4,9 @@
 
 #include "BenchSupport.h"
 #include "ChartGenerator.h"
-#include "app/CSableManagerDoc.h"
-#include "app/ChartEdits.h"
-#include "app/RankEdits.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartEdits.h"
+#include "document/RankEdits.h"
 
 #include <QCoreApplication>
 

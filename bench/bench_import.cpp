@@ -5,10 +5,10 @@
 
 #include "BenchSupport.h"
 #include "ChartGenerator.h"
-#include "app/CSableManagerDoc.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ImportEdits.h"
 #include "userimport/ImportPreview.h"
 #include "userimport/UserExport.h"
-#include "userimport/UserImport.h"
 
 #include <QCoreApplication>
 
@@ -124,13 +124,13 @@ int main(int argc, char** argv)
     std::unique_ptr<ImportPreview> preview;
     double total = report.measure(QStringLiteral("read (detect, decode, parse)"), [&] { table = readTable(file); });
     total += report.measure(QStringLiteral("preview"), [&] {
-        preview = std::make_unique<ImportPreview>(
-            ImportPreview::make(doc, table, ColumnMapping::matchHeaders(table.columns), ImportMode::AddOnly));
+        preview = std::make_unique<ImportPreview>(ImportPreview::make(
+            doc.chart(), doc.ranks(), table, ColumnMapping::matchHeaders(table.columns), ImportMode::AddOnly));
     });
     out << "  new " << preview->count(ImportRow::Fate::New) << ", refused " << preview->count(ImportRow::Fate::Refused)
         << ", new departments " << preview->newDepartmentPaths().size() << ", new ranks "
         << preview->newRankNames().size() << '\n';
-    total += report.measure(QStringLiteral("apply as one step"), [&] { UserImport::apply(doc, *preview); });
+    total += report.measure(QStringLiteral("apply as one step"), [&] { ImportEdits::apply(doc, *preview); });
     out << QStringLiteral("read, preview and apply %1 new users: %2 ms (bound: %3 ms)\n")
                .arg(size.members)
                .arg(total * 1000, 0, 'f', 1)
@@ -140,12 +140,14 @@ int main(int argc, char** argv)
 
     // The export of everything, read back: every row unchanged.
     QByteArray exported;
-    report.measure(QStringLiteral("export of every user"), [&] { exported = UserExport::csv(doc); });
+    report.measure(
+        QStringLiteral("export of every user"), [&] { exported = UserExport::csv(doc.chart(), doc.ranks()); });
     out << "  " << doc.chart().memberCount() << " rows, " << exported.size() / 1024 << " KiB\n";
     report.measure(QStringLiteral("reference: plain parse of the export"), [&] { plainParse(exported); });
     report.measure(QStringLiteral("read and preview the export (all unchanged)"), [&] {
         const ImportTable back = readTable(exported);
-        ImportPreview::make(doc, back, ColumnMapping::matchHeaders(back.columns), ImportMode::AddAndUpdate);
+        ImportPreview::make(
+            doc.chart(), doc.ranks(), back, ColumnMapping::matchHeaders(back.columns), ImportMode::AddAndUpdate);
     });
 
     // Every user updated: a new mobile number for each.
@@ -153,9 +155,9 @@ int main(int argc, char** argv)
     changed.replace(",010-", ",011-");
     report.measure(QStringLiteral("read, preview and apply updates of every user"), [&] {
         const ImportTable back = readTable(changed);
-        const ImportPreview updates
-            = ImportPreview::make(doc, back, ColumnMapping::matchHeaders(back.columns), ImportMode::AddAndUpdate);
-        UserImport::apply(doc, updates);
+        const ImportPreview updates = ImportPreview::make(
+            doc.chart(), doc.ranks(), back, ColumnMapping::matchHeaders(back.columns), ImportMode::AddAndUpdate);
+        ImportEdits::apply(doc, updates);
     });
     out << QStringLiteral("peak memory: %1 MiB\n").arg(peakMemoryMiB(), 0, 'f', 0);
     return total < kBoundSeconds ? 0 : 1;

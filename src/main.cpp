@@ -1,11 +1,11 @@
 // The administrator's console of the Sable messenger server.
 
-#include "app/AppPaths.h"
-#include "app/CMainFrame.h"
-#include "app/ServerServiceControl.h"
-#include "app/ServiceManagerSettings.h"
-#include "app/StartupConfig.h"
-#include "app/StartupSteps.h"
+#include "mainwindow/CMainFrame.h"
+#include "platform/AppPaths.h"
+#include "server/ServerServiceControl.h"
+#include "server/ServiceManagerSettings.h"
+#include "server/StartupConfig.h"
+#include "server/StartupSteps.h"
 
 #include <QApplication>
 #include <QTimer>

@@ -1,6 +1,6 @@
 // The change notices as the messenger server receives them: one 32-byte datagram on its port.
 
-#include "app/ChangeNotice.h"
+#include "platform/ChangeNotice.h"
 
 #include <QNetworkDatagram>
 #include <QTest>

@@ -2,11 +2,11 @@
 // and undo and redo that give back exactly the document before and after.
 
 #include "ChartText.h"
-#include "app/CSableManagerDoc.h"
-#include "app/ChartEdits.h"
-#include "app/ChartJson.h"
-#include "app/DemoOrganisation.h"
-#include "app/RankEdits.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartEdits.h"
+#include "document/ChartJson.h"
+#include "document/DemoOrganisation.h"
+#include "document/RankEdits.h"
 #include "orgchart/ChartBuilder.h"
 
 #include <QTest>

@@ -3,12 +3,12 @@
 
 #include "ChartText.h"
 #include "TestSupport.h"
-#include "app/CSableManagerDoc.h"
-#include "app/ChangeNotice.h"
-#include "app/ChartJson.h"
-#include "app/ChartSave.h"
-#include "app/DemoOrganisation.h"
-#include "orgchart/ChartReader.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartJson.h"
+#include "document/ChartReader.h"
+#include "document/ChartSave.h"
+#include "document/DemoOrganisation.h"
+#include "platform/ChangeNotice.h"
 #include "platform/IniFile.h"
 
 #include <QNetworkDatagram>

@@ -1,12 +1,12 @@
 // What the clients are told to show: the logo and caption keys and their counter, the home page
 // links, and the file session servers in the registry, with the notices the server receives.
 
+#include "SettingsKeys.h"
 #include "TestSupport.h"
-#include "app/ChangeNotice.h"
-#include "app/SettingsKeys.h"
 #include "clientsettings/HomePageSettings.h"
 #include "clientsettings/LogoSettings.h"
 #include "clientsettings/SessionServerList.h"
+#include "platform/ChangeNotice.h"
 #include "platform/IniFile.h"
 
 #include <QDir>

@@ -2,14 +2,14 @@
 // input, what typing does at the limits, and what the dialogs refuse.
 
 #include "Messages.h"
+#include "SettingsKeys.h"
 #include "TestSupport.h"
-#include "app/SettingsKeys.h"
 #include "clientsettings/AddSiteDialog.h"
 #include "clientsettings/HomePageDialog.h"
 #include "clientsettings/LogoDialog.h"
 #include "clientsettings/SessionServerDialog.h"
 #include "clientsettings/SessionServerEditDialog.h"
-#include "ui/Ipv4AddressEdit.h"
+#include "widgets/Ipv4AddressEdit.h"
 
 #include <QApplication>
 #include <QDir>

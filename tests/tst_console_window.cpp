@@ -3,21 +3,22 @@
 
 #include "ChartText.h"
 #include "TestSupport.h"
-#include "app/CMainFrame.h"
-#include "app/ServerServiceControl.h"
 #include "db/ConnectionString.h"
+#include "document/RankEdits.h"
 #include "filebox/SableBoxSettingsDialog.h"
+#include "mainwindow/CMainFrame.h"
+#include "mainwindow/CProgressThread.h"
 #include "onboarding/RecipientModel.h"
 #include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
-#include "orgchart/CProgressThread.h"
 #include "orgchart/MemberFilterModel.h"
 #include "orgchart/MemberListModel.h"
 #include "orgchart/OrgTreeModel.h"
 #include "platform/ServiceBackend.h"
-#include "ui/BalloonTip.h"
-#include "ui/NavigationBar.h"
+#include "server/ServerServiceControl.h"
+#include "widgets/BalloonTip.h"
+#include "widgets/NavigationBar.h"
 
 #include <QAction>
 #include <QLineEdit>
@@ -372,8 +373,8 @@ void TestConsoleWindow::editSaveAndFindAfterRestart()
     std::unique_ptr<QMimeData> interns(
         form->memberModel()->mimeData({form->memberModel()->index(38, 0), form->memberModel()->index(39, 0)}));
     form->treeModel()->dropMimeData(interns.get(), Qt::MoveAction, -1, 0, form->treeModel()->indexOf(team));
-    ChartEdits(frame.document()).setRank(team->child(0), Cmd::kRankNone + 2);
-    ChartEdits(frame.document()).setRank(team->child(1), Cmd::kRankNone + 3);
+    ChartEdits(frame.document()).setRank(team->child(0), RankEdits::kNoRankCommand + 2);
+    ChartEdits(frame.document()).setRank(team->child(1), RankEdits::kNoRankCommand + 3);
     QVERIFY(frame.action(-1)->isEnabled());
     frame.action(-1)->trigger();
     QCOMPARE(team->child(1)->rankId(), 6);

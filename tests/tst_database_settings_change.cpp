@@ -3,10 +3,10 @@
 
 #include "SupervisorFixture.h"
 #include "TestSupport.h"
-#include "app/ChangeNotice.h"
-#include "app/DatabaseSettingsChange.h"
-#include "app/ServerServiceControl.h"
-#include "app/ServerServices.h"
+#include "platform/ChangeNotice.h"
+#include "server/DatabaseSettingsChange.h"
+#include "server/ServerServiceControl.h"
+#include "server/ServerServices.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,10 +1,10 @@
 // The file-box permission edits: setting and granting levels, folder numbering, removal (also by the
 // chart's deletions), the permissions a user receives through departments, and exact undo.
 
-#include "app/CSableManagerDoc.h"
-#include "app/ChartEdits.h"
-#include "app/ChartJson.h"
-#include "app/FileBoxEdits.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartEdits.h"
+#include "document/ChartJson.h"
+#include "document/FileBoxEdits.h"
 #include "orgchart/ChartBuilder.h"
 
 #include <QTest>

@@ -2,10 +2,10 @@
 // disk, which port ranges are refused, and what the fields and the browse button do.
 
 #include "Messages.h"
+#include "SettingsKeys.h"
 #include "TestSupport.h"
-#include "app/SettingsKeys.h"
 #include "filebox/SableBoxSettingsDialog.h"
-#include "ui/BalloonTip.h"
+#include "widgets/BalloonTip.h"
 
 #include <QDir>
 #include <QLineEdit>

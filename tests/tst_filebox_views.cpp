@@ -3,12 +3,11 @@
 // permissions inherited through departments, the settings dialog, and a save that reaches the SB_
 // tables.
 
+#include "SettingsKeys.h"
 #include "TestSupport.h"
-#include "app/CMainFrame.h"
-#include "app/DemoOrganisation.h"
-#include "app/SettingsKeys.h"
 #include "db/ConnectionString.h"
 #include "db/DbSchema.h"
+#include "document/DemoOrganisation.h"
 #include "filebox/CSableboxFolderFormView.h"
 #include "filebox/CSableboxUserFormView.h"
 #include "filebox/ChartSourcePane.h"
@@ -18,8 +17,9 @@
 #include "filebox/GranteePermissionModel.h"
 #include "filebox/GranteeSourceModels.h"
 #include "filebox/SableBoxSettingsDialog.h"
+#include "mainwindow/CMainFrame.h"
 #include "platform/ServiceBackend.h"
-#include "ui/NavigationBar.h"
+#include "widgets/NavigationBar.h"
 
 #include <QAbstractItemModelTester>
 #include <QAction>

@@ -3,7 +3,7 @@
 
 #include "ChartText.h"
 #include "TestSupport.h"
-#include "app/DemoOrganisation.h"
+#include "document/DemoOrganisation.h"
 #include "platform/CodePage949.h"
 #include "userimport/ImportFilePage.h"
 #include "userimport/ImportMappingPage.h"

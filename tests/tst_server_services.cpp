@@ -4,8 +4,8 @@
 
 #include "SupervisorFixture.h"
 #include "TestSupport.h"
-#include "app/ServerServiceControl.h"
-#include "app/ServerServices.h"
+#include "server/ServerServiceControl.h"
+#include "server/ServerServices.h"
 
 #include <QElapsedTimer>
 #include <QFile>

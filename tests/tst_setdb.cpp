@@ -3,14 +3,14 @@
 
 #include "DatabaseSettingsDialog.h"
 #include "Messages.h"
+#include "SettingsKeys.h"
 #include "TestSupport.h"
-#include "app/DemoOrganisation.h"
-#include "app/ServerDatabase.h"
-#include "app/SettingsKeys.h"
-#include "app/StartupSteps.h"
 #include "db/ConnectionString.h"
 #include "db/DbSchema.h"
+#include "document/DemoOrganisation.h"
 #include "platform/IniFile.h"
+#include "server/ServerDatabase.h"
+#include "server/StartupSteps.h"
 
 #include <QFileInfo>
 #include <QProcess>

@@ -2,11 +2,11 @@
 // embedded database, the column repair and the passive-mode address.
 
 #include "TestSupport.h"
-#include "app/ServerDatabase.h"
-#include "app/StartupSteps.h"
 #include "db/DbSchema.h"
 #include "platform/IniFile.h"
 #include "platform/LocalAddress.h"
+#include "server/ServerDatabase.h"
+#include "server/StartupSteps.h"
 
 #include <QDir>
 #include <QFile>

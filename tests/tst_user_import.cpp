@@ -2,13 +2,13 @@
 // every row with the reasons of refusals, the import as one undoable step, and the export read back.
 
 #include "ChartText.h"
-#include "app/CSableManagerDoc.h"
-#include "app/ChartEdits.h"
-#include "app/DemoOrganisation.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartEdits.h"
+#include "document/DemoOrganisation.h"
+#include "document/ImportEdits.h"
 #include "platform/CodePage949.h"
 #include "userimport/ImportPreview.h"
 #include "userimport/UserExport.h"
-#include "userimport/UserImport.h"
 
 #include <QStringEncoder>
 #include <QTest>
@@ -32,7 +32,7 @@ ImportTable readTable(const QByteArray& bytes)
 ImportPreview previewOf(const CSableManagerDoc& doc, const QString& csv, ImportMode mode = ImportMode::AddAndUpdate)
 {
     const ImportTable table = readTable(csv.toUtf8());
-    return ImportPreview::make(doc, table, ColumnMapping::matchHeaders(table.columns), mode);
+    return ImportPreview::make(doc.chart(), doc.ranks(), table, ColumnMapping::matchHeaders(table.columns), mode);
 }
 
 QList<Fate> fates(const ImportPreview& preview)
@@ -195,14 +195,14 @@ void TestUserImport::refusals()
     QCOMPARE(::reasons(first), reasons);
     QCOMPARE(first.fate, reasons.isEmpty() ? Fate::New : Fate::Refused);
     if (reasons.isEmpty()) {
-        QVERIFY(UserImport::apply(doc, preview));
+        QVERIFY(ImportEdits::apply(doc, preview));
         const MemberRecord& kim = doc.chart().members().back();
         QCOMPARE(kim.Gender, 1);
         QCOMPARE(chartText(doc.chart(), doc.chart().findGroup(3)).section(u' ', -1), QStringLiteral("#41:4"));
         QCOMPARE(chartText(doc.chart(), doc.chart().findGroup(4)).section(u' ', -1), QStringLiteral("#41:4"));
     } else if (!preview.hasChanges()) {
         // A refused row changes nothing, not even the modified flag.
-        QVERIFY(!UserImport::apply(doc, preview));
+        QVERIFY(!ImportEdits::apply(doc, preview));
         QCOMPARE(snapshot(doc), before);
     }
 }
@@ -222,7 +222,7 @@ void TestUserImport::updateVersusAddOnly()
         QCOMPARE(fates(preview),
             (QList<Fate> {Fate::New, update ? Fate::Update : Fate::Refused, Fate::Unchanged,
                 update ? Fate::Update : Fate::Refused}));
-        const std::optional<ImportResult> result = UserImport::apply(doc, preview);
+        const std::optional<ImportResult> result = ImportEdits::apply(doc, preview);
         QVERIFY(result);
         QCOMPARE(result->added, 1);
         QCOMPARE(result->updated, update ? 2 : 0);
@@ -243,7 +243,7 @@ void TestUserImport::updateVersusAddOnly()
     adoptDemo(doc);
     const ImportPreview stale = previewOf(doc, file);
     ChartEdits(doc).addUserByEntry(QStringLiteral("meanwhile"), false);
-    QVERIFY(!UserImport::apply(doc, stale));
+    QVERIFY(!ImportEdits::apply(doc, stale));
     QCOMPARE(doc.chart().memberCount(), 41);
 }
 
@@ -260,7 +260,7 @@ void TestUserImport::departmentPathCreatesLevels()
         (QStringList {
             "세이블상사/고객지원본부", "세이블상사/고객지원본부/상담팀", "세이블상사/고객지원본부/상담팀/야간조"}));
     QCOMPARE(preview.newRankNames(), (QStringList {"상담원", "팀장"}));
-    const auto result = UserImport::apply(doc, preview);
+    const auto result = ImportEdits::apply(doc, preview);
     QVERIFY(result);
     QCOMPARE(result->departments, 3);
     QCOMPARE(result->ranks, 2);
@@ -283,7 +283,7 @@ void TestUserImport::emptyChartGetsOneTopDepartment()
         kHeader
             + QStringLiteral("a,가,pw,,,,본사/영업부/1팀,\n"
                              "b,나,pw,,,,지사,\n"));
-    QVERIFY(UserImport::apply(doc, preview));
+    QVERIFY(ImportEdits::apply(doc, preview));
     QCOMPARE(chartText(doc.chart()), QStringLiteral("본사[영업부[1팀[#1]] 지사[#2]]"));
     QCOMPARE(doc.chart().findGroup(2)->name(), QStringLiteral("본사"));
 }
@@ -301,7 +301,7 @@ void TestUserImport::undoRestoresExactly()
                              "jhkim,김정훈,changed,,,남자,기술연구소;인사팀,대표이사;\n"
                              "bykwak,곽보영,sable1234,bykwak@example.com,010-2301-1033,여자,기술연구소,부장\n"
                              "broken,,pw,,,,,\n"));
-    QVERIFY(UserImport::apply(doc, preview));
+    QVERIFY(ImportEdits::apply(doc, preview));
     const QByteArray after = snapshot(doc);
     QVERIFY(after != before);
     QCOMPARE(doc.history().index(), steps + 1);
@@ -320,10 +320,10 @@ void TestUserImport::exportThenImportChangesNothing()
     edits.renameDepartment(doc.chart().findGroup(7), QStringLiteral("해외/영업;팀"));
     edits.setRank(doc.chart().placementIn(doc.chart().findGroup(8), 4), 200);
     const QByteArray before = snapshot(doc);
-    const ImportPreview preview = previewOf(doc, QString::fromUtf8(UserExport::csv(doc)));
+    const ImportPreview preview = previewOf(doc, QString::fromUtf8(UserExport::csv(doc.chart(), doc.ranks())));
     QCOMPARE(preview.rows().size(), size_t(40));
     QCOMPARE(preview.count(Fate::Unchanged), 40);
-    QVERIFY(!UserImport::apply(doc, preview));
+    QVERIFY(!ImportEdits::apply(doc, preview));
     QCOMPARE(snapshot(doc), before);
 }
 
@@ -331,17 +331,18 @@ void TestUserImport::exportIntoEmptyChartIsLossless()
 {
     CSableManagerDoc demo;
     adoptDemo(demo);
-    const QByteArray exported = UserExport::csv(demo);
+    const QByteArray exported = UserExport::csv(demo.chart(), demo.ranks());
     QVERIFY(exported.startsWith("\xEF\xBB\xBF아이디,이름,비밀번호,"));
     QVERIFY(exported.contains("hychoi,최하윤,sable1234,여자,"));
     QVERIFY(exported.contains(",세이블상사/경영지원본부/인사팀;세이블상사/기술연구소,과장\r\n"));
 
     CSableManagerDoc copy;
     const ImportTable table = readTable(exported);
-    QVERIFY(UserImport::apply(
-        copy, ImportPreview::make(copy, table, ColumnMapping::matchHeaders(table.columns), ImportMode::AddOnly)));
+    QVERIFY(ImportEdits::apply(copy,
+        ImportPreview::make(
+            copy.chart(), copy.ranks(), table, ColumnMapping::matchHeaders(table.columns), ImportMode::AddOnly)));
     QCOMPARE(copy.chart().members(), demo.chart().members());
-    QCOMPARE(UserExport::csv(copy), exported);
+    QCOMPARE(UserExport::csv(copy.chart(), copy.ranks()), exported);
 }
 
 void TestUserImport::malformedFile_data()

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/CSableManagerDoc.h"
-#include "app/ChartJson.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartJson.h"
 #include "orgchart/OrgChart.h"
 
 #include <QString>

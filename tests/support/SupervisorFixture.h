@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/ServiceManagerSettings.h"
 #include "platform/SupervisorClient.h"
+#include "server/ServiceManagerSettings.h"
 
 #include <QStringList>
 

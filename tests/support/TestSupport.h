@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/AppPaths.h"
-#include "app/StartupConfig.h"
+#include "platform/AppPaths.h"
 #include "platform/Registry.h"
+#include "server/StartupConfig.h"
 
 #include <QTemporaryDir>
 

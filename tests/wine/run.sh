@@ -19,7 +19,7 @@ launcher=()
 command -v ccache >/dev/null && launcher=(ccache)
 
 mkdir -p "$work"
-flags=(-std=c++20 -O1 -Wall -Wextra -Wpedantic -Werror -I"$src/src")
+flags=(-std=c++20 -O1 -Wall -Wextra -Wpedantic -Werror -I"$src/src/core")
 compile() { # SOURCE: compiled apart from linking, so that the compiler cache can keep it
     local object
     object="$work/$(basename "$1" .cpp).o"
@@ -28,8 +28,8 @@ compile() { # SOURCE: compiled apart from linking, so that the compiler cache ca
 }
 # Linked -static: without the MinGW runtime DLLs beside it, a program would not even start.
 "$cxx" -static -o "$work/WinBackendsTest.exe" "$(compile "$src/tests/wine/WinBackendsTest.cpp")" \
-    "$(compile "$src/src/platform/WinRegistryBackend.cpp")" "$(compile "$src/src/platform/WinServiceBackend.cpp")" \
-    "$(compile "$src/src/platform/ServiceController.cpp")"
+    "$(compile "$src/src/core/platform/WinRegistryBackend.cpp")" "$(compile "$src/src/core/platform/WinServiceBackend.cpp")" \
+    "$(compile "$src/src/core/platform/ServiceController.cpp")"
 "$cxx" -static -o "$work/TestService.exe" "$(compile "$src/tests/wine/TestService.cpp")"
 
 WINEPREFIX=$(mktemp -d /tmp/sable-wine.XXXXXX)

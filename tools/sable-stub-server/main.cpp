@@ -5,11 +5,11 @@
 // the real programs do: with supervisord that means asking the supervisor to add its program.
 
 #include "DatagramLog.h"
-#include "app/AppPaths.h"
-#include "app/ServerServices.h"
-#include "app/ServiceManagerSettings.h"
+#include "platform/AppPaths.h"
 #include "platform/Registry.h"
 #include "platform/SupervisorClient.h"
+#include "server/ServerServices.h"
+#include "server/ServiceManagerSettings.h"
 
 #include <QCoreApplication>
 #include <QDir>

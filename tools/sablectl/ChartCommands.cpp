@@ -1,7 +1,7 @@
 #include "CommandLine.h"
-#include "app/CSableManagerDoc.h"
-#include "app/ChartJson.h"
 #include "db/DbConnection.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartJson.h"
 
 #include <QFile>
 #include <QSet>

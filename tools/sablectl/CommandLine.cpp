@@ -1,12 +1,12 @@
 #include "CommandLine.h"
 
-#include "app/CSableManagerDoc.h"
-#include "app/ChartSave.h"
-#include "app/ServerDatabase.h"
-#include "app/ServerServiceControl.h"
-#include "app/ServiceManagerSettings.h"
-#include "orgchart/ChartReader.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartReader.h"
+#include "document/ChartSave.h"
 #include "platform/IniFile.h"
+#include "server/ServerDatabase.h"
+#include "server/ServerServiceControl.h"
+#include "server/ServiceManagerSettings.h"
 
 #include <cstdio>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/AppPaths.h"
-#include "app/StartupConfig.h"
+#include "platform/AppPaths.h"
+#include "server/StartupConfig.h"
 
 #include <QStringList>
 #include <QTextStream>

@@ -1,7 +1,7 @@
 #include "CommandLine.h"
 #include "Messages.h"
-#include "app/StartupSteps.h"
 #include "db/DbConnection.h"
+#include "server/StartupSteps.h"
 
 namespace sable::ctl {
 namespace {

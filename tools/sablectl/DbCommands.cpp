@@ -1,8 +1,8 @@
 #include "CommandLine.h"
-#include "app/DemoOrganisation.h"
-#include "app/ServerDatabase.h"
-#include "app/StartupSteps.h"
 #include "db/DbSchema.h"
+#include "document/DemoOrganisation.h"
+#include "server/ServerDatabase.h"
+#include "server/StartupSteps.h"
 
 namespace sable::ctl {
 namespace {

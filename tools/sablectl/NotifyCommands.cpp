@@ -1,5 +1,5 @@
 #include "CommandLine.h"
-#include "app/ChangeNotice.h"
+#include "platform/ChangeNotice.h"
 
 namespace sable::ctl {
 namespace {

@@ -1,7 +1,7 @@
 #include "CommandLine.h"
-#include "app/ServerServiceControl.h"
-#include "app/ServerServices.h"
-#include "app/ServiceManagerSettings.h"
+#include "server/ServerServiceControl.h"
+#include "server/ServerServices.h"
+#include "server/ServiceManagerSettings.h"
 
 namespace sable::ctl {
 namespace {

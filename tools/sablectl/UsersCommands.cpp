@@ -1,8 +1,8 @@
 #include "CommandLine.h"
-#include "app/CSableManagerDoc.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ImportEdits.h"
 #include "userimport/ImportPreview.h"
 #include "userimport/UserExport.h"
-#include "userimport/UserImport.h"
 
 namespace sable::ctl {
 namespace {
@@ -73,14 +73,14 @@ int importUsers(Context& context, QStringList args)
     CSableManagerDoc doc;
     if (!loadChart(context, doc))
         return kFailure;
-    const ImportPreview preview
-        = ImportPreview::make(doc, *table, mapping, update ? ImportMode::AddAndUpdate : ImportMode::AddOnly);
+    const ImportPreview preview = ImportPreview::make(
+        doc.chart(), doc.ranks(), *table, mapping, update ? ImportMode::AddAndUpdate : ImportMode::AddOnly);
     printPreview(context, preview);
     if (dryRun) {
         context.out << "dry run: nothing was written" << Qt::endl;
         return kSuccess;
     }
-    const std::optional<ImportResult> result = UserImport::apply(doc, preview);
+    const std::optional<ImportResult> result = ImportEdits::apply(doc, preview);
     if (!result) {
         context.out << "nothing to import" << Qt::endl;
         return preview.count(Fate::Refused) > 0 ? kFailure : kSuccess;
@@ -100,9 +100,9 @@ int exportUsers(Context& context, QStringList args)
     if (!loadChart(context, doc))
         return kFailure;
     if (args.isEmpty())
-        return printBytes(context, UserExport::csv(doc));
+        return printBytes(context, UserExport::csv(doc.chart(), doc.ranks()));
     QString problem;
-    if (!UserExport::writeFile(doc, args.first(), &problem))
+    if (!UserExport::writeFile(doc.chart(), doc.ranks(), args.first(), &problem))
         return context.fail(problem);
     context.out << "exported: " << doc.chart().memberCount() << " users" << Qt::endl;
     return kSuccess;

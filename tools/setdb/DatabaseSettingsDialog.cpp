@@ -1,11 +1,11 @@
 #include "DatabaseSettingsDialog.h"
 
 #include "Messages.h"
-#include "app/ServerDatabase.h"
 #include "db/ChartCopy.h"
 #include "db/ConnectionString.h"
 #include "db/DbConnection.h"
 #include "db/DbSchema.h"
+#include "server/ServerDatabase.h"
 
 #include <QButtonGroup>
 #include <QDialogButtonBox>

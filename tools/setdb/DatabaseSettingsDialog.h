@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/DatabaseChoice.h"
-#include "app/StartupConfig.h"
+#include "server/DatabaseChoice.h"
+#include "server/StartupConfig.h"
 
 #include <QDialog>
 #include <QMessageBox>

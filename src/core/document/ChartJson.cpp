@@ -1,0 +1,314 @@
+#include "document/ChartJson.h"
+
+#include "orgchart/ChartBuilder.h"
+#include "orgchart/ChartRows.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace sable::ChartJson {
+namespace {
+
+// --- Writing: streamed, a row a line, so that a large chart needs no document tree in memory ---
+
+class JsonWriter
+{
+public:
+    void beginArray(const char* name)
+    {
+        m_out += m_bFirstArray ? "{\n" : "\n  ],\n";
+        m_out += "  \"" + QByteArray(name) + "\": [";
+        m_bFirstArray = false;
+        m_bFirstRow = true;
+    }
+    void beginRow()
+    {
+        m_out += m_bFirstRow ? "\n    {" : ",\n    {";
+        m_bFirstRow = false;
+        m_bFirstField = true;
+    }
+    void field(const char* name, int value) { key(name), m_out += QByteArray::number(value); }
+    void field(const char* name, const QString& value)
+    {
+        key(name);
+        string(value);
+    }
+    void endRow() { m_out += '}'; }
+    QByteArray finish() { return m_out + "\n  ]\n}\n"; }
+
+private:
+    void key(const char* name)
+    {
+        m_out += m_bFirstField ? "\"" : ", \"";
+        m_out += name;
+        m_out += "\": ";
+        m_bFirstField = false;
+    }
+    void string(const QString& value)
+    {
+        m_out += '"';
+        for (const char c : value.toUtf8()) {
+            switch (c) {
+            case '"':
+                m_out += "\\\"";
+                break;
+            case '\\':
+                m_out += "\\\\";
+                break;
+            case '\n':
+                m_out += "\\n";
+                break;
+            case '\r':
+                m_out += "\\r";
+                break;
+            case '\t':
+                m_out += "\\t";
+                break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20)
+                    m_out += QByteArray("\\u00")
+                        + QByteArray::number(static_cast<unsigned char>(c), 16).rightJustified(2, '0');
+                else
+                    m_out += c;
+            }
+        }
+        m_out += '"';
+    }
+
+    QByteArray m_out;
+    bool m_bFirstArray = true;
+    bool m_bFirstRow = true;
+    bool m_bFirstField = true;
+};
+
+void writeAuthorities(JsonWriter& json, const char* name, const char* grantee, const std::vector<AuthorityRecord>& list)
+{
+    json.beginArray(name);
+    for (const AuthorityRecord& a : list) {
+        json.beginRow();
+        json.field("K_FolderID", a.K_FolderID);
+        json.field(grantee, a.grantee);
+        json.field("Authority", FileBoxLists::levelToText(a.level));
+        json.endRow();
+    }
+}
+
+// --- Reading ---------------------------------------------------------------------------------------
+
+// Reads the fields of one row, remembering the first problem with its place.
+class RowReader
+{
+public:
+    RowReader(const QJsonValue& row, const QString& place, QString* error)
+        : m_row(row.toObject())
+        , m_place(place)
+        , m_error(error)
+    {
+        if (!row.isObject())
+            fail(QStringLiteral("%1: expected an object").arg(place));
+    }
+    int number(const char* name)
+    {
+        const QJsonValue value = m_row.value(QLatin1String(name));
+        if (!value.isDouble() || value.toDouble() != static_cast<double>(value.toInteger()))
+            fail(QStringLiteral("%1.%2: expected a whole number").arg(m_place, QLatin1String(name)));
+        return static_cast<int>(value.toInteger());
+    }
+    QString text(const char* name)
+    {
+        const QJsonValue value = m_row.value(QLatin1String(name));
+        if (!value.isString())
+            fail(QStringLiteral("%1.%2: expected a string").arg(m_place, QLatin1String(name)));
+        return value.toString();
+    }
+    bool ok() const { return m_error->isEmpty(); }
+
+private:
+    void fail(const QString& problem)
+    {
+        if (m_error->isEmpty())
+            *m_error = problem;
+    }
+
+    QJsonObject m_row;
+    QString m_place;
+    QString* m_error;
+};
+
+// Calls `read` for every row of the array `name`; false on the first problem.
+template <typename F>
+bool forEachRow(const QJsonObject& root, const char* name, QString* error, F&& read)
+{
+    const QJsonValue array = root.value(QLatin1String(name));
+    if (!array.isArray()) {
+        *error = QStringLiteral("%1: expected an array").arg(QLatin1String(name));
+        return false;
+    }
+    const QJsonArray rows = array.toArray();
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        RowReader row(rows[i], QStringLiteral("%1[%2]").arg(QLatin1String(name)).arg(i), error);
+        read(row);
+        if (!row.ok())
+            return false;
+    }
+    return true;
+}
+
+MemberRecord readMember(RowReader& row)
+{
+    MemberRecord m;
+    m.K_MemberID = row.number("K_MemberID");
+    m.MemberID = row.text("MemberID");
+    m.MemberName = row.text("MemberName");
+    m.Passwd = row.text("Passwd");
+    m.Gender = row.number("Gender") == 0 ? 0 : 1;
+    m.bPublic = row.number("bPublic") != 0;
+    m.Email = row.text("Email");
+    m.HP = row.text("HP");
+    m.Address = row.text("Address");
+    m.HomePhone = row.text("HomePhone");
+    m.OfficePhone = row.text("OfficePhone");
+    m.BirthDay = row.text("BirthDay");
+    m.Description = row.text("Description");
+    m.bSolar = row.number("bSolar") != 0;
+    m.bAdmin = row.number("bAdmin") != 0;
+    return m;
+}
+
+bool readChart(const QJsonObject& root, ChartContents& contents, QString* error)
+{
+    ChartBuilder builder(*contents.chart);
+    std::vector<GroupRow> groups;
+    std::vector<int> depths;
+    const bool ok = forEachRow(root, "members", error, [&](RowReader& row) {
+        builder.addMember(readMember(row));
+    }) && forEachRow(root, "groups", error, [&](RowReader& row) {
+        groups.push_back(
+            {row.number("K_GroupID"), row.text("GroupName"), row.number("K_GroupID_P"), row.number("Position"), 0});
+        depths.push_back(row.number("Depth"));
+    }) && forEachRow(root, "relations", error, [&](RowReader& row) {
+        builder.addRelation(
+            {row.number("K_MemberID"), row.number("K_GroupID"), row.number("K_RankID"), row.number("Position")});
+    });
+    if (!ok)
+        return false;
+    // Departments arrive as a load reads them: ordered by Depth, then Position.
+    std::vector<size_t> order(groups.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        return std::pair(depths[a], groups[a].Position) < std::pair(depths[b], groups[b].Position);
+    });
+    for (const size_t i : order)
+        builder.addGroup(groups[i]);
+    builder.finish();
+    return true;
+}
+
+bool readAuthorities(
+    const QJsonObject& root, const char* name, const char* grantee, std::vector<AuthorityRecord>& list, QString* error)
+{
+    return forEachRow(root, name, error, [&](RowReader& row) {
+        list.push_back(
+            {row.number("K_FolderID"), row.number(grantee), FileBoxLists::levelFromText(row.text("Authority"))});
+    });
+}
+
+} // namespace
+
+QByteArray write(const CSableManagerDoc& doc)
+{
+    JsonWriter json;
+    json.beginArray("groups");
+    for (const GroupRow& g : ChartRows::groups(doc.chart())) {
+        json.beginRow();
+        json.field("K_GroupID", g.K_GroupID);
+        json.field("GroupName", g.GroupName);
+        json.field("K_GroupID_P", g.K_GroupID_P);
+        json.field("Position", g.Position);
+        json.field("Depth", g.Depth);
+        json.endRow();
+    }
+    json.beginArray("members");
+    for (const MemberRecord& m : ChartRows::members(doc.chart())) {
+        json.beginRow();
+        json.field("K_MemberID", m.K_MemberID);
+        json.field("MemberID", m.MemberID);
+        json.field("MemberName", m.MemberName);
+        json.field("Passwd", m.Passwd);
+        json.field("Gender", m.Gender);
+        json.field("bPublic", m.bPublic ? 1 : 0);
+        json.field("Email", m.Email);
+        json.field("HP", m.HP);
+        json.field("Address", m.Address);
+        json.field("HomePhone", m.HomePhone);
+        json.field("OfficePhone", m.OfficePhone);
+        json.field("BirthDay", m.BirthDay);
+        json.field("Description", m.Description);
+        json.field("bSolar", m.bSolar ? 1 : 0);
+        json.field("bAdmin", m.bAdmin ? 1 : 0);
+        json.endRow();
+    }
+    json.beginArray("relations");
+    for (const RelationRow& r : ChartRows::relations(doc.chart())) {
+        json.beginRow();
+        json.field("K_MemberID", r.K_MemberID);
+        json.field("K_GroupID", r.K_GroupID);
+        json.field("K_RankID", r.K_RankID);
+        json.field("Position", r.Position);
+        json.endRow();
+    }
+    json.beginArray("ranks");
+    for (const RankRecord& rank : doc.ranks().ranks()) {
+        json.beginRow();
+        json.field("K_RankID", rank.K_RankID);
+        json.field("RankName", rank.RankName);
+        json.endRow();
+    }
+    json.beginArray("folders");
+    for (const FolderRecord& folder : doc.fileBox().folders) {
+        json.beginRow();
+        json.field("K_FolderID", folder.K_FolderID);
+        json.field("FolderPath", folder.FolderPath);
+        json.endRow();
+    }
+    writeAuthorities(json, "groupAuthorities", "K_GroupID", doc.fileBox().groupAuthorities);
+    writeAuthorities(json, "userAuthorities", "K_MemberID", doc.fileBox().userAuthorities);
+    return json.finish();
+}
+
+std::optional<ChartContents> read(const QByteArray& json, QString* error)
+{
+    error->clear();
+    QJsonParseError parse;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &parse);
+    if (parse.error != QJsonParseError::NoError) {
+        *error = QStringLiteral("not JSON at offset %1: %2").arg(parse.offset).arg(parse.errorString());
+        return std::nullopt;
+    }
+    if (!document.isObject()) {
+        *error = QStringLiteral("expected one object");
+        return std::nullopt;
+    }
+    const QJsonObject root = document.object();
+    ChartContents contents;
+    const bool ok = readChart(root, contents, error)
+        && forEachRow(root, "ranks", error,
+            [&](RowReader& row) {
+                contents.ranks.insert(contents.ranks.count(), {row.number("K_RankID"), row.text("RankName")});
+            })
+        && forEachRow(root, "folders", error,
+            [&](RowReader& row) {
+                contents.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
+            })
+        && readAuthorities(root, "groupAuthorities", "K_GroupID", contents.fileBox.groupAuthorities, error)
+        && readAuthorities(root, "userAuthorities", "K_MemberID", contents.fileBox.userAuthorities, error);
+    if (!ok)
+        return std::nullopt;
+    return contents;
+}
+
+} // namespace sable::ChartJson

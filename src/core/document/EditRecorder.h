@@ -1,0 +1,67 @@
+#pragma once
+
+#include "document/EditHistory.h"
+#include "filebox/FileBoxLists.h"
+#include "orgchart/MemberRecord.h"
+#include "orgchart/RankList.h"
+
+#include <QList>
+
+#include <memory>
+#include <vector>
+
+namespace sable {
+
+class OrgNode;
+
+// Makes the changes of one edit and keeps them, so that the edit becomes one step of the history.
+// Every change of the document during an edit goes through here; commit() files the step (nothing
+// is filed when the edit changed neither the document nor its modified flag).
+class EditRecorder
+{
+public:
+    EditRecorder(CSableManagerDoc& doc, QString description);
+    ~EditRecorder();
+    EditRecorder(const EditRecorder&) = delete;
+    EditRecorder& operator=(const EditRecorder&) = delete;
+
+    CSableManagerDoc& doc() { return m_doc; }
+
+    OrgNode* insertNode(OrgNode* parent, int index, std::unique_ptr<OrgNode> node);
+    void removeNode(OrgNode* node);
+    void moveNode(OrgNode* node, int to);
+    void reorderChildren(OrgNode* parent, const std::vector<int>& order);
+    void renameGroup(OrgNode* group, const QString& name);
+    void setRank(OrgNode* placement, int rankId);
+
+    void insertMember(int row, const MemberRecord& member);
+    // Inserts `members` as consecutive rows from `row` (one change, however many members).
+    void insertMembers(int row, std::vector<MemberRecord> members);
+    void removeMembers(const std::vector<int>& rows);
+    void setMember(int row, const MemberRecord& member);
+
+    void appendDeleted(QList<int>& list, const QList<int>& ids);
+
+    void insertRank(int index, const RankRecord& rank);
+    void removeRank(int index);
+    void moveRank(int from, int to);
+    void renameRank(int index, const QString& name);
+
+    // Removes the permissions at the ascending `indexes` of `list`.
+    void removeAuthorities(std::vector<AuthorityRecord>& list, const std::vector<int>& indexes);
+    void setAuthority(std::vector<AuthorityRecord>& list, int folderId, int grantee, int level);
+    void addFolder(const FolderRecord& folder);
+
+    void setModified(bool modified);
+    bool hasChanges() const { return !m_step->changes.empty(); }
+    void commit();
+
+private:
+    void apply(std::unique_ptr<DocChange> change);
+
+    CSableManagerDoc& m_doc;
+    std::unique_ptr<EditStep> m_step;
+    bool m_bCommitted = false;
+};
+
+} // namespace sable

@@ -1,0 +1,55 @@
+#include "platform/AppPaths.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace sable {
+namespace {
+
+const QString kHomeOption = QStringLiteral("--home");
+
+#ifdef Q_OS_WIN
+const QString kDefaultDatabaseFile = QStringLiteral("SableDB.mdb");
+#else
+const QString kDefaultDatabaseFile = QStringLiteral("SableDB.db");
+#endif
+
+} // namespace
+
+AppPaths AppPaths::forFolder(const QString& folder)
+{
+    QString home = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    AppPaths paths;
+    paths.programFolder = QDir::toNativeSeparators(home);
+    paths.defaultDatabasePath = QDir::toNativeSeparators(QDir(home).filePath(kDefaultDatabaseFile));
+    paths.settingsFilePath = QDir::toNativeSeparators(QDir(home).filePath(QStringLiteral("Serverinfo.ini")));
+    return paths;
+}
+
+QString AppPaths::resolveHome(const QStringList& arguments, const QString& executableFolder)
+{
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == kHomeOption && i + 1 < arguments.size())
+            return arguments[i + 1];
+        if (arguments[i].startsWith(kHomeOption + u'='))
+            return arguments[i].mid(kHomeOption.size() + 1);
+    }
+    const QString fromEnvironment = qEnvironmentVariable("SABLE_HOME");
+    return fromEnvironment.isEmpty() ? executableFolder : fromEnvironment;
+}
+
+QStringList AppPaths::withoutHomeOption(const QStringList& arguments)
+{
+    QStringList out;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == kHomeOption) {
+            ++i;
+            continue;
+        }
+        if (!arguments[i].startsWith(kHomeOption + u'='))
+            out << arguments[i];
+    }
+    return out;
+}
+
+} // namespace sable

@@ -1,0 +1,98 @@
+#include "server/ServiceManagerSettings.h"
+
+#include "SettingsKeys.h"
+#include "platform/SupervisorServiceBackend.h"
+
+#ifdef Q_OS_WIN
+#include "platform/WinServiceBackend.h"
+#endif
+
+namespace sable {
+
+ServiceManagerSettings ServiceManagerSettings::read(const Registry& registry)
+{
+    ServiceManagerSettings settings;
+    const auto key = registry.openKey(RegRoot::LocalMachine, Keys::kSableManager);
+    if (!key)
+        return settings;
+    if (const auto name = key->readString(Keys::kServiceManager, RegBuffer::kShort); name && !name->isEmpty()) {
+        if (const auto kind = kindNamed(*name)) {
+            settings.kind = *kind;
+        } else {
+            settings.kind = Kind::None;
+            settings.problem
+                = QStringLiteral("unknown service manager \"%1\" (use scm, supervisord or none)").arg(*name);
+        }
+    }
+    if (const auto url = key->readString(Keys::kSupervisorUrl, RegBuffer::kPath); url && !url->isEmpty())
+        settings.supervisorUrl = *url;
+    settings.supervisorUser = key->readString(Keys::kSupervisorUser, RegBuffer::kShort).value_or(QString());
+    settings.supervisorPassword = key->readString(Keys::kSupervisorPassword, RegBuffer::kShort).value_or(QString());
+    return settings;
+}
+
+bool ServiceManagerSettings::write(const Registry& registry) const
+{
+    const auto key = registry.createKey(RegRoot::LocalMachine, Keys::kSableManager);
+    return key && key->writeString(Keys::kServiceManager, nameOf(kind))
+        && key->writeString(Keys::kSupervisorUrl, supervisorUrl)
+        && key->writeString(Keys::kSupervisorUser, supervisorUser)
+        && key->writeString(Keys::kSupervisorPassword, supervisorPassword);
+}
+
+std::shared_ptr<ServiceBackend> ServiceManagerSettings::createBackend() const
+{
+    switch (kind) {
+    case Kind::Supervisord:
+        return std::make_shared<SupervisorServiceBackend>(
+            SupervisorClient::Endpoint {QUrl(supervisorUrl), supervisorUser, supervisorPassword});
+    case Kind::Scm:
+#ifdef Q_OS_WIN
+        return std::make_shared<WinServiceBackend>();
+#else
+        return std::make_shared<UnavailableServiceBackend>("there is no Windows service manager on this system");
+#endif
+    case Kind::None:
+        break;
+    }
+    const QString reason = problem.isEmpty() ? QStringLiteral("no service manager is configured") : problem;
+    return std::make_shared<UnavailableServiceBackend>(reason.toStdString());
+}
+
+ServiceManagerSettings::Kind ServiceManagerSettings::defaultKind()
+{
+#ifdef Q_OS_WIN
+    return Kind::Scm;
+#else
+    return Kind::None;
+#endif
+}
+
+QString ServiceManagerSettings::defaultSupervisorUrl()
+{
+    return QStringLiteral("http://127.0.0.1:9001/RPC2");
+}
+
+QString ServiceManagerSettings::nameOf(Kind kind)
+{
+    switch (kind) {
+    case Kind::Scm:
+        return QStringLiteral("scm");
+    case Kind::Supervisord:
+        return QStringLiteral("supervisord");
+    case Kind::None:
+        break;
+    }
+    return QStringLiteral("none");
+}
+
+std::optional<ServiceManagerSettings::Kind> ServiceManagerSettings::kindNamed(const QString& name)
+{
+    for (const Kind kind : {Kind::Scm, Kind::Supervisord, Kind::None}) {
+        if (name.compare(nameOf(kind), Qt::CaseInsensitive) == 0)
+            return kind;
+    }
+    return std::nullopt;
+}
+
+} // namespace sable

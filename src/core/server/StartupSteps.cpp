@@ -1,0 +1,88 @@
+#include "server/StartupSteps.h"
+
+#include "SettingsKeys.h"
+#include "db/ConnectionString.h"
+#include "db/DbSchema.h"
+#include "platform/LocalAddress.h"
+#include "platform/ProcessLauncher.h"
+#include "server/ServerDatabase.h"
+#include "server/ServerServices.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace sable::StartupSteps {
+namespace {
+
+const QString kRepairStatement = QStringLiteral("ALTER TABLE SD_MYMEMBER ALTER COLUMN K_MyGroupID int NULL");
+
+bool samePath(const QString& a, const QString& b)
+{
+    return QDir::cleanPath(QFileInfo(a).absoluteFilePath()) == QDir::cleanPath(QFileInfo(b).absoluteFilePath());
+}
+
+} // namespace
+
+bool hasInstallSwitch(const QStringList& arguments)
+{
+    return arguments.join(u' ').contains(QLatin1String("/install"));
+}
+
+QStringList runInstallSwitch(const AppPaths& paths)
+{
+    QStringList started;
+    for (const QString& name : ServerServices::kInstallOrder) {
+        const QString program = ProcessLauncher::programPath(paths.programFolder, name);
+        if (ProcessLauncher::launchDetached(program, {ServerServices::kServiceSwitch}, paths.programFolder))
+            started << name;
+    }
+    return started;
+}
+
+EmbeddedDatabase ensureEmbeddedDatabase(const StartupConfig& config)
+{
+    if (!ServerDatabase::readServerAddress(config).address.isEmpty())
+        return EmbeddedDatabase::NotUsed;
+    const ConnectionString cs = ConnectionString::parse(config.settleConnectionString());
+    const QString path = config.paths().defaultDatabasePath;
+    if (cs.value(QStringLiteral("provider")).compare(QLatin1String("sqlite"), Qt::CaseInsensitive) != 0
+        || !samePath(cs.value(QStringLiteral("data source")), path))
+        return EmbeddedDatabase::NotUsed;
+    DbConnection connection;
+    const bool existed = QFileInfo::exists(path);
+    if (existed && connection.open(sqliteConnectionString(path)) && !DbSchema::existingTables(connection).isEmpty())
+        return EmbeddedDatabase::Present;
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    if (!connection.open(sqliteConnectionString(path) + QStringLiteral(";FailIfMissing=False")))
+        return EmbeddedDatabase::Failed;
+    bool ok = false;
+    DbSchema::createMissingTables(connection, &ok);
+    return ok ? EmbeddedDatabase::Created : EmbeddedDatabase::Failed;
+}
+
+ColumnRepair repairBuddyListColumn(const StartupConfig& config, const DbConnection::FailureReporter& report)
+{
+    DbConnection connection = ServerDatabase::connect(config, report);
+    if (connection.isEmpty())
+        return ColumnRepair::DatabaseFailed;
+    connection.executeNoRecords(kRepairStatement);
+    if (connection.state() == 1)
+        connection.close();
+    return ColumnRepair::Done;
+}
+
+PassiveAddress fillPassiveAddress(const StartupConfig& config)
+{
+    PassiveAddress result;
+    const auto key = config.registry().createKey(RegRoot::LocalMachine, Keys::kSableBoxServer);
+    if (!key)
+        return result;
+    result.address = key->readString(Keys::kCustomPasvIp, RegBuffer::kPath).value_or(QString());
+    if (!result.address.isEmpty())
+        return result;
+    result.address = LocalAddress::firstHostAddress();
+    result.bWritten = key->writeString(Keys::kCustomPasvIp, result.address);
+    return result;
+}
+
+} // namespace sable::StartupSteps

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "filebox/FileBoxServerSettings.h"
+#include "widgets/Prompter.h"
+
+#include <QDialog>
+
+class QLineEdit;
+class QPushButton;
+class QSpinBox;
+
+namespace sable {
+
+// "SableBox 설정": the file-box server's home folder and its passive-mode address and port range.
+// Opening completes the registry with the defaults of missing values; OK writes the four values
+// unless the port range is empty or reversed, which is refused with the dialog left as typed.
+class SableBoxSettingsDialog final : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit SableBoxSettingsDialog(FileBoxServerSettings settings, QWidget* parent = nullptr);
+
+    void setPrompter(Prompter prompter) { m_prompter = std::move(prompter); }
+    void setBalloonHelp(bool on) { m_bBalloonHelp = on; }
+
+    FileBoxServerValues values() const;
+    // Takes `path` as the home folder, as choosing it in the folder browser does.
+    void chooseHomeFolder(const QString& path);
+
+    void accept() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void browse();
+    QWidget* createHomeGroup();
+    QWidget* createPassiveGroup();
+
+    FileBoxServerSettings m_settings;
+    Prompter m_prompter = Prompter::messageBoxes();
+    bool m_bBalloonHelp = true;
+    QLineEdit* m_home = nullptr;
+    QPushButton* m_browse = nullptr;
+    QSpinBox* m_firstPort = nullptr;
+    QSpinBox* m_lastPort = nullptr;
+    QLineEdit* m_address = nullptr;
+};
+
+} // namespace sable

@@ -1,0 +1,760 @@
+#include "mainwindow/CMainFrame.h"
+
+#include "Messages.h"
+#include "clientsettings/ClientSettingsCommands.h"
+#include "document/CReadDBThread.h"
+#include "filebox/CSableboxFolderFormView.h"
+#include "filebox/CSableboxUserFormView.h"
+#include "filebox/FileBoxHome.h"
+#include "filebox/SableBoxSettingsDialog.h"
+#include "mainwindow/CMainFormView.h"
+#include "mainwindow/CProgressThread.h"
+#include "mainwindow/SaveRunner.h"
+#include "onboarding/RegistrationMailDialog.h"
+#include "orgchart/COrganizeFormView.h"
+#include "orgchart/COrganizeTemplateView.h"
+#include "orgchart/CPositionFormView.h"
+#include "platform/ChangeNotice.h"
+#include "platform/IniFile.h"
+#include "server/DatabaseSettingsChange.h"
+#include "server/ServerDatabase.h"
+#include "server/ServerServiceControl.h"
+#include "server/StartupSteps.h"
+#include "server/UpgradeDownload.h"
+#include "userimport/ImportWizard.h"
+#include "userimport/UserExport.h"
+#include "widgets/Icons.h"
+#include "widgets/NavigationBar.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QToolBar>
+
+namespace sable {
+namespace {
+
+constexpr int kStartServicesDelayMs = 500;
+constexpr int kReaderEndWaitMs = 2000;
+
+bool isChartCommand(int command)
+{
+    return command >= Cmd::kAddDepartment && command <= Cmd::kDeleteUser;
+}
+
+bool isRankCommand(int command)
+{
+    return command >= Cmd::kAddRank && command <= Cmd::kDeleteRank;
+}
+
+} // namespace
+
+CMainFrame::CMainFrame(
+    StartupConfig config, StartupSettings settings, std::shared_ptr<ServiceBackend> services, QWidget* parent)
+    : QMainWindow(parent)
+    , m_config(std::move(config))
+    , m_settings(std::move(settings))
+    , m_links(ProductLinks::read(m_config.registry()))
+    , m_services(std::make_unique<ServerServiceControl>(std::move(services), m_config.paths()))
+{
+    setWindowTitle(Msg::kAppTitle);
+    setWindowIcon(Icons::app());
+    resize(770, 630);
+    createActions();
+    createMenus();
+    createToolBar();
+    createNavigation();
+
+    m_statusDatabase = new QLabel(ServerDatabase::describe(m_config), this);
+    statusBar()->addPermanentWidget(m_statusDatabase);
+    statusBar()->showMessage(m_config.paths().programFolder);
+
+    m_startServicesTimer.setSingleShot(true);
+    m_startServicesTimer.setInterval(kStartServicesDelayMs);
+    connect(&m_startServicesTimer, &QTimer::timeout, m_services.get(), &ServerServiceControl::requestStartAll);
+    connect(m_services.get(), &ServerServiceControl::statesChanged, this, &CMainFrame::updateCommandStates);
+    connect(m_services.get(), &ServerServiceControl::busyChanged, this, &CMainFrame::updateCommandStates);
+    connect(&m_doc.history(), &EditHistory::changed, this, &CMainFrame::updateCommandStates);
+    m_saveRunner = new SaveRunner(m_doc, IniFile(m_config.paths().settingsFilePath), this);
+    connect(m_saveRunner, &SaveRunner::finished, this, &CMainFrame::onSaveFinished);
+
+    switchToView(Cmd::kStartPage);
+    m_services->startRefreshing(5000);
+}
+
+CMainFrame::~CMainFrame()
+{
+    if (m_reader) {
+        m_reader->stop();
+        m_reader->wait();
+    }
+    // The views and helpers use the document and the services, which go with this object's members,
+    // before the base class would delete its children: they go first.
+    delete centralWidget();
+    delete m_mailDialog;
+    delete m_saveRunner;
+    delete m_databaseChange;
+    delete m_upgrade;
+}
+
+RegistrationMailDialog* CMainFrame::registrationMailDialog() const
+{
+    return m_mailDialog;
+}
+
+void CMainFrame::setPrompter(Prompter prompter)
+{
+    m_prompter = std::move(prompter);
+    if (chartEditor())
+        chartEditor()->form()->setPrompter(m_prompter);
+    if (rankEditor())
+        rankEditor()->setPrompter(m_prompter);
+    for (const int view : {Cmd::kFolderPermissions, Cmd::kUserPermissions}) {
+        if (auto* page = static_cast<FileBoxPermissionView*>(m_views.value(view)))
+            page->setPrompter(m_prompter);
+    }
+}
+
+// --- Menus, tool bar, navigation ------------------------------------------------------------------
+
+QAction* CMainFrame::addCommand(QMenu* menu, int command, const QString& label, const QKeySequence& shortcut)
+{
+    QAction* action = m_actions.value(command);
+    if (!action) {
+        action = new QAction(label, this);
+        action->setShortcut(shortcut);
+        connect(action, &QAction::triggered, this, [this, command] { runCommand(command); });
+        m_actions.insert(command, action);
+    }
+    if (menu)
+        menu->addAction(action);
+    return action;
+}
+
+void CMainFrame::createActions()
+{
+    auto* undo = new QAction(Icons::undo(), Msg::kCmdUndo, this);
+    undo->setShortcut(QKeySequence::Undo);
+    connect(undo, &QAction::triggered, this, [this] { m_doc.history().undo(); });
+    auto* redo = new QAction(Icons::redo(), Msg::kCmdRedo, this);
+    redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence::Redo});
+    connect(redo, &QAction::triggered, this, [this] { m_doc.history().redo(); });
+    m_actions.insert(-1, undo);
+    m_actions.insert(-2, redo);
+}
+
+void CMainFrame::createMenus()
+{
+    QMenu* file = menuBar()->addMenu(Msg::kMenuFile);
+    addCommand(file, Cmd::kRegistrationMail, Msg::kCmdRegistrationMail);
+    addCommand(file, Cmd::kPreviousVersionData, Msg::kCmdPreviousVersionData);
+    addCommand(file, Cmd::kImportUsers, Msg::kCmdImportUsers, QKeySequence(Qt::CTRL | Qt::Key_O));
+    // The member list as a file that the import reads back; a command of this console's own.
+    connect(file->addAction(Msg::kCmdExportUsers), &QAction::triggered, this, [this] {
+        const QString path = QFileDialog::getSaveFileName(
+            this, Msg::kExportDialogTitle, QDir::home().filePath(QStringLiteral("users.csv")), Msg::kExportFileFilter);
+        QString problem;
+        if (!path.isEmpty() && !UserExport::writeFile(m_doc.chart(), m_doc.ranks(), path, &problem))
+            m_prompter.warn(this, problem);
+    });
+    file->addSeparator();
+    addCommand(file, Cmd::kSave, Msg::kCmdSave, QKeySequence(Qt::CTRL | Qt::Key_S))->setIcon(Icons::save());
+    file->addSeparator();
+    addCommand(file, Cmd::kExit, Msg::kCmdExit);
+
+    QMenu* edit = menuBar()->addMenu(Msg::kMenuEdit);
+    edit->addAction(m_actions.value(-1));
+    edit->addAction(m_actions.value(-2));
+    edit->addSeparator();
+    addCommand(edit, Cmd::kAddDepartment, Msg::kCmdAddDepartment);
+    addCommand(edit, Cmd::kRenameDepartment, Msg::kCmdRenameDepartment);
+    addCommand(edit, Cmd::kDeleteDepartment, Msg::kCmdDeleteDepartment);
+    addCommand(edit, Cmd::kAddUser, Msg::kCmdAddUser);
+    addCommand(edit, Cmd::kDeleteUser, Msg::kCmdDeleteUser);
+    edit->addSeparator();
+    addCommand(edit, Cmd::kAddRank, Msg::kCmdAddRank);
+    addCommand(edit, Cmd::kRenameRank, Msg::kCmdRenameRank);
+    addCommand(edit, Cmd::kDeleteRank, Msg::kCmdDeleteRank);
+    edit->addSeparator();
+    addCommand(edit, Cmd::kDeletePermission, Msg::kCmdDeletePermission);
+    addCommand(edit, Cmd::kEditFolders, Msg::kCmdEditFolders);
+
+    QMenu* view = menuBar()->addMenu(Msg::kMenuView);
+    addCommand(view, Cmd::kToolBar, Msg::kCmdToolBar)->setCheckable(true);
+    addCommand(view, Cmd::kStatusBar, Msg::kCmdStatusBar)->setCheckable(true);
+    addCommand(view, Cmd::kBalloonHelp, Msg::kCmdBalloonHelp)->setCheckable(true);
+
+    QMenu* server = menuBar()->addMenu(Msg::kMenuServer);
+    addCommand(server, Cmd::kStartServer, Msg::kCmdStartServer);
+    addCommand(server, Cmd::kStopServer, Msg::kCmdStopServer);
+    server->addSeparator();
+    addCommand(server, Cmd::kDatabaseSettings, Msg::kCmdDatabaseSettings);
+    addCommand(server, Cmd::kFileServers, Msg::kCmdFileServers);
+
+    QMenu* settings = menuBar()->addMenu(Msg::kMenuServerSettings);
+    addCommand(settings, Cmd::kLogo, Msg::kCmdLogo);
+    addCommand(settings, Cmd::kHomePage, Msg::kCmdHomePage);
+
+    QMenu* help = menuBar()->addMenu(Msg::kMenuHelp);
+    addCommand(help, Cmd::kHelp, Msg::kCmdHelp, QKeySequence(Qt::Key_F1));
+    addCommand(help, Cmd::kProductHome, Msg::kCmdProductHome);
+    addCommand(help, Cmd::kQuickGuide, Msg::kCmdQuickGuide);
+    help->addSeparator();
+    addCommand(help, Cmd::kAbout, Msg::kCmdAbout);
+}
+
+void CMainFrame::createToolBar()
+{
+    m_toolBar = addToolBar(Msg::kAppTitle);
+    m_toolBar->setObjectName(QStringLiteral("ToolBar"));
+    m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_toolBar->setIconSize(QSize(16, 16));
+    m_toolBar->addAction(m_actions.value(Cmd::kSave));
+    m_toolBar->addSeparator();
+    m_toolBar->addAction(m_actions.value(-1));
+    m_toolBar->addAction(m_actions.value(-2));
+    m_toolBar->addSeparator();
+    addCommand(nullptr, Cmd::kMoveUp, Msg::kToolUp)->setIcon(Icons::up());
+    addCommand(nullptr, Cmd::kMoveDown, Msg::kToolDown)->setIcon(Icons::down());
+    m_toolBar->addAction(m_actions.value(Cmd::kMoveUp));
+    m_toolBar->addAction(m_actions.value(Cmd::kMoveDown));
+}
+
+void CMainFrame::createNavigation()
+{
+    auto* splitter = new QSplitter(Qt::Horizontal, this);
+    m_navigation = new NavigationBar(splitter);
+    m_pane = new QStackedWidget(splitter);
+    splitter->addWidget(m_navigation);
+    splitter->addWidget(m_pane);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({110, 660});
+    setCentralWidget(splitter);
+
+    const int chart = m_navigation->addGroup(Msg::kNavChartGroup);
+    m_navigation->addItem(chart, Icons::navigation("orgchart"), Msg::kNavChartEditor, Cmd::kChartEditor);
+    m_navigation->addItem(chart, Icons::navigation("ranks"), Msg::kNavRankEditor, Cmd::kRankEditor);
+    const int fileBox = m_navigation->addGroup(Msg::kNavFileBoxGroup);
+    m_navigation->addItem(fileBox, Icons::navigation("folders"), Msg::kNavFolderPermissions, Cmd::kFolderPermissions);
+    m_navigation->addItem(fileBox, Icons::navigation("users"), Msg::kNavUserPermissions, Cmd::kUserPermissions);
+    m_navigation->addItem(fileBox, Icons::navigation("settings"), Msg::kNavFileBoxSettings, Cmd::kFileBoxSettings);
+    m_navigation->openGroup(chart);
+    connect(m_navigation, &NavigationBar::itemClicked, this, &CMainFrame::onNavigationItem);
+}
+
+void CMainFrame::onNavigationItem(int item)
+{
+    const int view = m_navigation->itemData(item);
+    if (view == m_currentView)
+        return;
+    if (view == Cmd::kFileBoxSettings) {
+        // A dialog of its own, after the click has been handled.
+        QTimer::singleShot(0, this, &CMainFrame::openFileBoxSettings);
+        return;
+    }
+    switchToView(view);
+}
+
+// --- Views ------------------------------------------------------------------------------------------
+
+QWidget* CMainFrame::createView(int view)
+{
+    switch (view) {
+    case Cmd::kStartPage: {
+        auto* page = new CMainFormView(m_doc, *m_services, ServerDatabase::describe(m_config), m_links, m_pane);
+        page->setChartLoaded(m_bChartLoaded);
+        connect(this, &CMainFrame::chartLoaded, page, [page] { page->setChartLoaded(true); });
+        return page;
+    }
+    case Cmd::kChartEditor: {
+        auto* editor = new COrganizeTemplateView(m_doc, m_pane);
+        COrganizeFormView* form = editor->form();
+        form->setBalloonHelp(m_settings.bBalloonHelp);
+        form->setPrompter(m_prompter);
+        connect(form, &COrganizeFormView::selectionChanged, this, &CMainFrame::updateCommandStates);
+        connect(form, &COrganizeFormView::registrationMailRequested, this, &CMainFrame::showRegistrationMail);
+        return editor;
+    }
+    case Cmd::kRankEditor: {
+        auto* ranks = new CPositionFormView(m_doc, m_pane);
+        ranks->setBalloonHelp(m_settings.bBalloonHelp);
+        ranks->setPrompter(m_prompter);
+        connect(ranks, &CPositionFormView::selectionChanged, this, &CMainFrame::updateCommandStates);
+        return ranks;
+    }
+    case Cmd::kFolderPermissions:
+    case Cmd::kUserPermissions: {
+        const auto home = [this] { return FileBoxHome::homeDirectory(m_config.registry(), m_config.paths()); };
+        FileBoxPermissionView* page = view == Cmd::kFolderPermissions
+            ? static_cast<FileBoxPermissionView*>(new CSableboxFolderFormView(m_doc, home, m_pane))
+            : new CSableboxUserFormView(m_doc, home, m_pane);
+        page->setPrompter(m_prompter);
+        connect(page, &FileBoxPermissionView::selectionChanged, this, &CMainFrame::updateCommandStates);
+        return page;
+    }
+    default:
+        return nullptr;
+    }
+}
+
+void CMainFrame::switchToView(int view)
+{
+    QWidget* page = m_views.value(view);
+    if (!page) {
+        page = createView(view);
+        if (!page)
+            return;
+        m_views.insert(view, page);
+        m_pane->addWidget(page);
+    }
+    m_currentView = view;
+    m_pane->setCurrentWidget(page);
+    m_navigation->setCurrentData(view);
+    if (view == Cmd::kChartEditor && m_bChartLoaded)
+        chartEditor()->form()->showHints();
+    if (view == Cmd::kRankEditor && m_bChartLoaded)
+        rankEditor()->showHints();
+    updateCommandStates();
+}
+
+COrganizeTemplateView* CMainFrame::chartEditor() const
+{
+    return static_cast<COrganizeTemplateView*>(m_views.value(Cmd::kChartEditor));
+}
+
+CPositionFormView* CMainFrame::rankEditor() const
+{
+    return static_cast<CPositionFormView*>(m_views.value(Cmd::kRankEditor));
+}
+
+CMainFormView* CMainFrame::startPage() const
+{
+    return static_cast<CMainFormView*>(m_views.value(Cmd::kStartPage));
+}
+
+FileBoxPermissionView* CMainFrame::fileBoxView() const
+{
+    const bool bFileBox = m_currentView == Cmd::kFolderPermissions || m_currentView == Cmd::kUserPermissions;
+    return bFileBox ? static_cast<FileBoxPermissionView*>(m_views.value(m_currentView)) : nullptr;
+}
+
+void CMainFrame::updateCommandStates()
+{
+    const bool chartView = m_currentView == Cmd::kChartEditor;
+    const bool rankView = m_currentView == Cmd::kRankEditor;
+    for (auto it = m_actions.cbegin(); it != m_actions.cend(); ++it) {
+        if (isChartCommand(it.key()))
+            it.value()->setEnabled(chartView);
+        else if (isRankCommand(it.key()))
+            it.value()->setEnabled(rankView);
+    }
+    action(Cmd::kDeletePermission)->setEnabled(fileBoxView() != nullptr);
+    action(Cmd::kEditFolders)->setEnabled(fileBoxView() != nullptr);
+    action(Cmd::kMoveUp)->setEnabled(chartView || rankView);
+    action(Cmd::kMoveDown)->setEnabled(chartView || rankView);
+    action(Cmd::kStartServer)->setEnabled(m_services->isStartEnabled());
+    action(Cmd::kStopServer)->setEnabled(m_services->isStopEnabled());
+    action(Cmd::kDatabaseSettings)->setEnabled(!m_databaseChange || !m_databaseChange->isRunning());
+    action(Cmd::kSave)->setEnabled(!m_saveRunner || !m_saveRunner->isRunning());
+    action(Cmd::kToolBar)->setChecked(m_toolBar->isVisible() || !isVisible());
+    action(Cmd::kStatusBar)->setChecked(statusBar()->isVisible() || !isVisible());
+    action(Cmd::kBalloonHelp)->setChecked(m_settings.bBalloonHelp);
+    const EditHistory& history = m_doc.history();
+    QAction* undo = m_actions.value(-1);
+    QAction* redo = m_actions.value(-2);
+    undo->setEnabled(history.canUndo());
+    redo->setEnabled(history.canRedo());
+    undo->setText(history.canUndo() ? Msg::kCmdUndoStep.arg(history.undoText()) : Msg::kCmdUndo);
+    redo->setText(history.canRedo() ? Msg::kCmdRedoStep.arg(history.redoText()) : Msg::kCmdRedo);
+}
+
+// --- Commands ---------------------------------------------------------------------------------------
+
+void CMainFrame::runCommand(int command)
+{
+    QAction* entry = action(command);
+    if (entry && !entry->isEnabled())
+        return;
+    if (isChartCommand(command)
+        || ((command == Cmd::kMoveUp || command == Cmd::kMoveDown) && m_currentView == Cmd::kChartEditor)) {
+        routeToChartEditor(command);
+        return;
+    }
+    if (isRankCommand(command) || command == Cmd::kMoveUp || command == Cmd::kMoveDown) {
+        routeToRankEditor(command);
+        return;
+    }
+    switch (command) {
+    case Cmd::kRegistrationMail:
+        showRegistrationMail();
+        break;
+    case Cmd::kPreviousVersionData:
+        downloadUpgrade();
+        break;
+    case Cmd::kImportUsers: {
+        ImportWizard wizard(m_doc, this);
+        wizard.exec();
+        break;
+    }
+    case Cmd::kDeletePermission:
+        if (fileBoxView())
+            fileBoxView()->deleteSelectedPermissions();
+        break;
+    case Cmd::kEditFolders:
+        if (fileBoxView())
+            fileBoxView()->editFolders();
+        break;
+    case Cmd::kSave:
+        save();
+        break;
+    case Cmd::kExit:
+        close();
+        break;
+    case Cmd::kToolBar:
+        m_toolBar->setVisible(!m_toolBar->isVisible());
+        break;
+    case Cmd::kStatusBar:
+        statusBar()->setVisible(!statusBar()->isVisible());
+        break;
+    case Cmd::kBalloonHelp:
+        toggleBalloonHelp();
+        break;
+    case Cmd::kStartServer:
+        m_services->requestStartAll();
+        break;
+    case Cmd::kStopServer:
+        m_services->requestStopServer();
+        break;
+    case Cmd::kDatabaseSettings:
+        changeDatabase();
+        break;
+    case Cmd::kFileServers:
+        ClientSettingsCommands::runFileServers(m_config, this);
+        break;
+    case Cmd::kLogo:
+        ClientSettingsCommands::runLogo(m_config, this);
+        break;
+    case Cmd::kHomePage:
+        ClientSettingsCommands::runHomePage(m_config, this);
+        break;
+    case Cmd::kHelp:
+        QDesktopServices::openUrl(m_links.help);
+        break;
+    case Cmd::kProductHome:
+        QDesktopServices::openUrl(m_links.home);
+        break;
+    case Cmd::kQuickGuide:
+        QDesktopServices::openUrl(
+            QUrl::fromLocalFile(m_config.paths().programFolder + QStringLiteral("/QuickGuide/Call.html")));
+        break;
+    case Cmd::kAbout:
+        QMessageBox::about(this, Msg::kCmdAbout.left(Msg::kCmdAbout.indexOf(u'(')),
+            QStringLiteral("<h3>%1</h3><p>%2</p>").arg(Msg::kProductName, QStringLiteral(SABLE_VERSION_STRING)));
+        break;
+    default:
+        break;
+    }
+    updateCommandStates();
+}
+
+void CMainFrame::routeToChartEditor(int command)
+{
+    if (!chartEditor())
+        return;
+    COrganizeFormView* form = chartEditor()->form();
+    switch (command) {
+    case Cmd::kAddDepartment:
+        form->addDepartment();
+        break;
+    case Cmd::kRenameDepartment:
+        form->renameDepartment();
+        break;
+    case Cmd::kDeleteDepartment:
+        form->deleteSelectedNode();
+        break;
+    case Cmd::kAddUser:
+        form->addUser();
+        break;
+    case Cmd::kDeleteUser:
+        form->deleteUsers();
+        break;
+    case Cmd::kMoveUp:
+        form->moveSelectedNode(ChartEdits::Move::Up);
+        break;
+    case Cmd::kMoveDown:
+        form->moveSelectedNode(ChartEdits::Move::Down);
+        break;
+    default:
+        break;
+    }
+}
+
+void CMainFrame::routeToRankEditor(int command)
+{
+    if (!rankEditor() || m_currentView != Cmd::kRankEditor)
+        return;
+    switch (command) {
+    case Cmd::kAddRank:
+        rankEditor()->addRank();
+        break;
+    case Cmd::kRenameRank:
+        rankEditor()->renameRank();
+        break;
+    case Cmd::kDeleteRank:
+        rankEditor()->deleteRank();
+        break;
+    case Cmd::kMoveUp:
+        rankEditor()->moveSelectedRank(true);
+        break;
+    case Cmd::kMoveDown:
+        rankEditor()->moveSelectedRank(false);
+        break;
+    default:
+        break;
+    }
+}
+
+void CMainFrame::openFileBoxSettings()
+{
+    auto* dialog = new SableBoxSettingsDialog(FileBoxServerSettings(m_config.registry(), m_config.paths()), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setPrompter(m_prompter);
+    dialog->setBalloonHelp(m_settings.bBalloonHelp);
+    // The home folder may have moved: the permission pages show the folders below the new one.
+    connect(dialog, &QDialog::accepted, this, [this] {
+        for (const int view : {Cmd::kFolderPermissions, Cmd::kUserPermissions}) {
+            if (auto* page = static_cast<FileBoxPermissionView*>(m_views.value(view)))
+                page->refreshHome();
+        }
+    });
+    dialog->open();
+}
+
+void CMainFrame::toggleBalloonHelp()
+{
+    m_settings.bBalloonHelp = !m_settings.bBalloonHelp;
+    // The switch changes for this run even when the setting cannot be written.
+    m_config.writeBalloonHelp(m_settings.bBalloonHelp);
+    if (chartEditor())
+        chartEditor()->form()->setBalloonHelp(m_settings.bBalloonHelp);
+    if (rankEditor())
+        rankEditor()->setBalloonHelp(m_settings.bBalloonHelp);
+}
+
+void CMainFrame::showRegistrationMail(const QList<int>& memberIds)
+{
+    if (m_currentView != Cmd::kChartEditor)
+        switchToView(Cmd::kChartEditor);
+    if (!m_mailDialog)
+        m_mailDialog = new RegistrationMailDialog(m_config, m_settings, this);
+    for (const int id : memberIds) {
+        if (const MemberRecord* member = m_doc.chart().findMember(id))
+            m_mailDialog->AddRecipient(member->MemberName, member->Email, member->MemberID, member->Passwd);
+    }
+    m_mailDialog->show();
+    m_mailDialog->raise();
+    m_mailDialog->activateWindow();
+}
+
+void CMainFrame::downloadUpgrade()
+{
+    if (m_upgrade && m_upgrade->isRunning())
+        return;
+    if (!m_prompter.askYesNo(this, Msg::kDownloadUpgradeQuestion))
+        return;
+    if (!m_upgrade)
+        m_upgrade = new UpgradeDownload(m_links.upgradeProgram, m_config.paths().programFolder, this);
+    auto* progress = new QProgressDialog(Msg::kDownloading, QString(), 0, 0, this);
+    progress->setWindowTitle(Msg::kAppTitle);
+    progress->setAttribute(Qt::WA_DeleteOnClose);
+    progress->show();
+    connect(m_upgrade, &UpgradeDownload::progress, progress, [progress](qint64 received, qint64 total) {
+        progress->setMaximum(static_cast<int>(std::max<qint64>(total, 0) / 1024));
+        progress->setValue(static_cast<int>(received / 1024));
+    });
+    connect(m_upgrade, &UpgradeDownload::finished, progress, [this, progress](const QString& error) {
+        progress->close();
+        if (!error.isEmpty())
+            m_prompter.warn(this, Msg::kDownloadFailed.arg(error));
+    });
+    m_upgrade->start();
+}
+
+void CMainFrame::changeDatabase()
+{
+    if (!m_databaseChange) {
+        m_databaseChange = new DatabaseSettingsChange(
+            m_config.paths(), QCoreApplication::applicationDirPath(), [this] { m_services->restartServices(); }, this);
+        connect(
+            m_databaseChange, &DatabaseSettingsChange::finished, this, [this](DatabaseSettingsChange::Outcome outcome) {
+                updateCommandStates();
+                if (outcome != DatabaseSettingsChange::Outcome::Changed)
+                    return;
+                m_prompter.inform(this, Msg::kDatabaseSettingsChanged);
+                close();
+            });
+    }
+    m_databaseChange->start();
+}
+
+// --- Loading ------------------------------------------------------------------------------------------
+
+void CMainFrame::postCreate()
+{
+    const auto report
+        = [this](const QString& caption, const QString& text) { QMessageBox::critical(this, caption, text); };
+    StartupSteps::ensureEmbeddedDatabase(m_config);
+    if (StartupSteps::repairBuddyListColumn(m_config, report) == StartupSteps::ColumnRepair::DatabaseFailed)
+        m_prompter.warn(this, Msg::kDatabaseOpenFailed);
+    StartupSteps::fillPassiveAddress(m_config);
+    m_startServicesTimer.start();
+}
+
+void CMainFrame::startLoad()
+{
+    if (m_reader)
+        return;
+    // The reader opens its connection on its own thread; a failure to open is told on this one.
+    const auto connect = [this] {
+        return ServerDatabase::connect(m_config, [this](const QString& caption, const QString& text) {
+            QMetaObject::invokeMethod(
+                this, [this, caption, text] { QMessageBox::critical(this, caption, text); },
+                Qt::BlockingQueuedConnection);
+        });
+    };
+    m_reader = new CReadDBThread(connect, this);
+    m_progress = new CProgressThread(this);
+    QObject::connect(m_reader, &CReadDBThread::progressText, m_progress, &CProgressThread::setText);
+    QObject::connect(m_reader, &CReadDBThread::progressRange, m_progress, &CProgressThread::setRange);
+    QObject::connect(m_reader, &CReadDBThread::progressPosition, m_progress, &CProgressThread::setPosition);
+    QObject::connect(m_progress, &CProgressThread::stopRequested, m_reader, &CReadDBThread::stop);
+    QObject::connect(m_reader, &CReadDBThread::loaded, this, &CMainFrame::onChartLoaded);
+    QObject::connect(m_reader, &CReadDBThread::ended, this, &CMainFrame::onReaderEnded);
+    m_progress->show();
+    m_reader->start();
+}
+
+void CMainFrame::onChartLoaded()
+{
+    m_doc.adopt(std::move(m_reader->takeResult().contents));
+    m_bChartLoaded = true;
+    Q_EMIT chartLoaded();
+    switchToView(m_currentView);
+}
+
+void CMainFrame::onReaderEnded(int bContinue)
+{
+    if (!m_reader)
+        return;
+    if (!m_reader->wait(kReaderEndWaitMs))
+        m_reader->terminate();
+    ChartReader::Result result = m_reader->takeResult();
+    m_reader->deleteLater();
+    m_reader = nullptr;
+    m_progress->deleteLater();
+    m_progress = nullptr;
+    if (!m_bChartLoaded) {
+        // What was read before the load failed stays in the views.
+        m_doc.adopt(std::move(result.contents));
+        const QString message = ChartReader::message(result.outcome);
+        if (!message.isEmpty())
+            m_prompter.warn(this, message);
+    }
+    if (bContinue == 0)
+        close();
+}
+
+// --- Saving and closing -------------------------------------------------------------------------------
+
+ChartSave::Collaborators CMainFrame::saveCollaborators()
+{
+    ChartSave::Collaborators with;
+    with.askYesNo = [this](const QString& question) {
+        // Beside the question, what the save will change in the database.
+        const ChartFingerprint::Summary changes = m_doc.unsavedChanges();
+        const QString summary = Msg::kSaveSummary.arg(changes.groups.added)
+                                    .arg(changes.groups.changed)
+                                    .arg(changes.groups.removed)
+                                    .arg(changes.members.added)
+                                    .arg(changes.members.changed)
+                                    .arg(changes.members.removed)
+                                    .arg(changes.relations.added)
+                                    .arg(changes.relations.changed)
+                                    .arg(changes.relations.removed);
+        return m_prompter.askYesNoDetailed(this, question, summary);
+    };
+    with.showBalloon = [this](const Balloon& balloon) {
+        if (chartEditor()) {
+            switchToView(Cmd::kChartEditor);
+            chartEditor()->form()->showBalloon(balloon);
+        } else {
+            m_prompter.warn(this, balloon.text);
+        }
+    };
+    with.connect = [this] { return ServerDatabase::connect(m_config, nullptr); };
+    with.isFileBoxServerRunning = [this] { return m_services->isFileBoxServerRunning(); };
+    with.stopFileBoxServer = [this] { m_services->stopFileBoxServer(); };
+    with.requestStartAll = [this] { m_services->requestStartAll(); };
+    with.restartAll = [this] { m_services->requestRestart(); };
+    // The chart is read into the editing data when the console starts; without it there is nothing to save.
+    with.bEditorOpen = m_bChartLoaded;
+    return with;
+}
+
+void CMainFrame::save(bool bClosingAfter)
+{
+    m_bCloseAfterSave = bClosingAfter;
+    m_saveRunner->start(saveCollaborators());
+    updateCommandStates();
+}
+
+void CMainFrame::onSaveFinished(ChartSave::Outcome outcome)
+{
+    updateCommandStates();
+    Q_EMIT saveFinished(outcome);
+    if (std::exchange(m_bCloseAfterSave, false) && outcome == ChartSave::Outcome::Saved) {
+        m_bClosing = true;
+        close();
+    }
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event)
+{
+    if (m_reader) {
+        // The reader ends first; its end closes the window.
+        m_reader->stop();
+        event->ignore();
+        return;
+    }
+    if (m_saveRunner->isRunning() || (m_databaseChange && m_databaseChange->isRunning())) {
+        event->ignore();
+        return;
+    }
+    if (!m_bClosing && m_doc.isModified()) {
+        switch (m_prompter.askYesNoCancel(this, Msg::kCloseQuestion)) {
+        case Prompter::Answer::Cancel:
+            event->ignore();
+            return;
+        case Prompter::Answer::Yes:
+            event->ignore();
+            save(true);
+            return;
+        case Prompter::Answer::No:
+            break;
+        }
+    }
+    if (m_mailDialog)
+        m_mailDialog->close();
+    event->accept();
+}
+
+} // namespace sable

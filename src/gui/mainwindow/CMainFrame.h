@@ -1,0 +1,132 @@
+#pragma once
+
+#include "document/CSableManagerDoc.h"
+#include "document/ChartSave.h"
+#include "mainwindow/CommandIds.h"
+#include "server/ProductLinks.h"
+#include "server/StartupConfig.h"
+#include "widgets/Prompter.h"
+
+#include <QHash>
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+class QAction;
+class QLabel;
+class QMenu;
+class QStackedWidget;
+class QToolBar;
+
+namespace sable {
+
+class CMainFormView;
+class COrganizeTemplateView;
+class CPositionFormView;
+class CProgressThread;
+class CReadDBThread;
+class DatabaseSettingsChange;
+class FileBoxPermissionView;
+class NavigationBar;
+class RegistrationMailDialog;
+class SaveRunner;
+class ServerServiceControl;
+class ServiceBackend;
+class UpgradeDownload;
+
+// The console's main window: the navigation bar and the content pane, the menus and the tool bar,
+// routing every command to the view or dialog it belongs to, and the load, save and close of the
+// chart. The work itself lives in the parts it calls.
+class CMainFrame final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    CMainFrame(StartupConfig config, StartupSettings settings, std::shared_ptr<ServiceBackend> services,
+        QWidget* parent = nullptr);
+    ~CMainFrame() override;
+
+    // The steps after the window is created: the column repair, the passive-mode address, timer 1.
+    void postCreate();
+    // Reads the chart behind the progress window.
+    void startLoad();
+
+    CSableManagerDoc& document() { return m_doc; }
+    ServerServiceControl& services() { return *m_services; }
+    QAction* action(int command) const { return m_actions.value(command); }
+    int currentView() const { return m_currentView; }
+    NavigationBar* navigationBar() const { return m_navigation; }
+    QWidget* view(int index) const { return m_views.value(index); }
+    COrganizeTemplateView* chartEditor() const;
+    CPositionFormView* rankEditor() const;
+    CMainFormView* startPage() const;
+    // The file-box permission page that is shown (view 4 or 5), or nullptr.
+    FileBoxPermissionView* fileBoxView() const;
+    CProgressThread* progressWindow() const { return m_progress; }
+    RegistrationMailDialog* registrationMailDialog() const;
+    bool isChartLoaded() const { return m_bChartLoaded; }
+    bool balloonHelp() const { return m_settings.bBalloonHelp; }
+    void setPrompter(Prompter prompter);
+
+    // Runs a command as its menu entry or tool button does.
+    void runCommand(int command);
+    void switchToView(int view);
+    void updateCommandStates();
+
+Q_SIGNALS:
+    void chartLoaded();
+    void saveFinished(sable::ChartSave::Outcome outcome);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void createActions();
+    void createMenus();
+    void createToolBar();
+    void createNavigation();
+    QAction* addCommand(QMenu* menu, int command, const QString& label, const QKeySequence& shortcut = {});
+    void onNavigationItem(int item);
+    QWidget* createView(int view);
+
+    void onChartLoaded();
+    void onReaderEnded(int bContinue);
+    void save(bool bClosingAfter = false);
+    ChartSave::Collaborators saveCollaborators();
+    void onSaveFinished(ChartSave::Outcome outcome);
+    void toggleBalloonHelp();
+    void showRegistrationMail(const QList<int>& memberIds = {});
+    void downloadUpgrade();
+    void changeDatabase();
+    void routeToChartEditor(int command);
+    void routeToRankEditor(int command);
+    void openFileBoxSettings();
+
+    StartupConfig m_config;
+    StartupSettings m_settings;
+    ProductLinks m_links;
+    Prompter m_prompter = Prompter::messageBoxes();
+    CSableManagerDoc m_doc;
+    std::unique_ptr<ServerServiceControl> m_services;
+    NavigationBar* m_navigation = nullptr;
+    QStackedWidget* m_pane = nullptr;
+    QToolBar* m_toolBar = nullptr;
+    QLabel* m_statusDatabase = nullptr;
+    QHash<int, QAction*> m_actions;
+    QHash<int, QWidget*> m_views;
+    int m_currentView = Cmd::kStartPage;
+    bool m_bChartLoaded = false;
+    CReadDBThread* m_reader = nullptr;
+    CProgressThread* m_progress = nullptr;
+    SaveRunner* m_saveRunner = nullptr;
+    bool m_bCloseAfterSave = false;
+    bool m_bClosing = false;
+    QTimer m_startServicesTimer;
+    QPointer<RegistrationMailDialog> m_mailDialog;
+    UpgradeDownload* m_upgrade = nullptr;
+    DatabaseSettingsChange* m_databaseChange = nullptr;
+};
+
+} // namespace sable

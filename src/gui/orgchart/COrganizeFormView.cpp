@@ -1,0 +1,370 @@
+#include "orgchart/COrganizeFormView.h"
+
+#include "Messages.h"
+#include "document/CSableManagerDoc.h"
+#include "document/RankEdits.h"
+#include "orgchart/MemberFilterModel.h"
+#include "orgchart/MemberItemDelegate.h"
+#include "orgchart/MemberListModel.h"
+#include "orgchart/OrgTreeModel.h"
+#include "widgets/BalloonTip.h"
+#include "widgets/Icons.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTableView>
+#include <QTimer>
+#include <QTreeView>
+
+#include <set>
+
+namespace sable {
+namespace {
+
+constexpr int kRowHeight = 20;
+constexpr int kSearchDelayMs = 250;
+// Starting widths of the member list's columns; the solar-calendar column is kept out of sight.
+constexpr int kColumnWidths[MemberColumnCount] = {96, 80, 80, 52, 64, 170, 110, 110, 200, 110, 90, 200, 0, 64};
+
+QLabel* heading(const QString& text, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    QFont bold = label->font();
+    bold.setBold(true);
+    label->setFont(bold);
+    return label;
+}
+
+} // namespace
+
+COrganizeFormView::COrganizeFormView(CSableManagerDoc& doc, QWidget* parent)
+    : QWidget(parent)
+    , m_doc(doc)
+    , m_edits(doc)
+    , m_treeModel(new OrgTreeModel(doc, this))
+    , m_memberModel(new MemberListModel(doc, this))
+    , m_filter(new MemberFilterModel(this))
+    , m_tree(new QTreeView(this))
+    , m_list(new QTableView(this))
+    , m_search(new QLineEdit(this))
+    , m_noDepartment(new QCheckBox(Msg::kOnlyWithoutDepartment, this))
+    , m_searchDelay(new QTimer(this))
+{
+    auto* splitter = new QSplitter(Qt::Horizontal, this);
+    auto* left = new QWidget(splitter);
+    auto* leftLayout = new QVBoxLayout(left);
+    leftLayout->setContentsMargins(0, 0, 0, 0);
+    leftLayout->addWidget(heading(Msg::kTreeTitle, left));
+    leftLayout->addWidget(m_tree);
+    auto* right = new QWidget(splitter);
+    auto* rightLayout = new QVBoxLayout(right);
+    rightLayout->setContentsMargins(0, 0, 0, 0);
+    auto* bar = new QHBoxLayout;
+    bar->addWidget(heading(Msg::kMemberListTitle, right));
+    bar->addStretch(1);
+    bar->addWidget(m_search, 2);
+    bar->addWidget(m_noDepartment);
+    rightLayout->addLayout(bar);
+    rightLayout->addWidget(m_list);
+    splitter->addWidget(left);
+    splitter->addWidget(right);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 3);
+    splitter->setSizes({190, 470});
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->addWidget(splitter);
+
+    m_tree->setModel(m_treeModel);
+    m_tree->setHeaderHidden(true);
+    m_tree->setDragDropMode(QAbstractItemView::DropOnly);
+    m_tree->setAcceptDrops(true);
+    m_tree->setDropIndicatorShown(true);
+    m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed);
+    m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
+
+    m_filter->setSourceModel(m_memberModel);
+    m_list->setModel(m_filter);
+    m_list->setItemDelegate(new MemberItemDelegate(m_list));
+    m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_list->setDragEnabled(true);
+    m_list->setDragDropMode(QAbstractItemView::DragOnly);
+    m_list->setEditTriggers(
+        QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_list->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_list->verticalHeader()->setDefaultSectionSize(kRowHeight);
+    m_list->horizontalHeader()->setMinimumSectionSize(0);
+    for (int column = 0; column < MemberColumnCount; ++column)
+        m_list->setColumnWidth(column, kColumnWidths[column]);
+    m_list->setColumnHidden(ColSolar, true);
+
+    m_search->setPlaceholderText(Msg::kSearchPlaceholder);
+    m_search->setClearButtonEnabled(true);
+    m_search->addAction(Icons::search(), QLineEdit::LeadingPosition);
+    m_searchDelay->setSingleShot(true);
+    m_searchDelay->setInterval(kSearchDelayMs);
+
+    connect(m_searchDelay, &QTimer::timeout, this, [this] { m_filter->setSearchText(m_search->text()); });
+    connect(m_search, &QLineEdit::textChanged, m_searchDelay, qOverload<>(&QTimer::start));
+    connect(m_noDepartment, &QCheckBox::toggled, m_filter, &MemberFilterModel::setOnlyWithoutDepartment);
+    connect(m_memberModel, &MemberListModel::balloonRequested, this, &COrganizeFormView::showBalloon);
+    connect(m_treeModel, &QAbstractItemModel::modelReset, this, [this] {
+        for (int row = 0; row < m_treeModel->rowCount(); ++row)
+            m_tree->setExpanded(m_treeModel->index(row, 0), true);
+    });
+    connect(m_treeModel, &OrgTreeModel::membersDropped, this, [this](const QModelIndex& department) {
+        m_tree->setExpanded(department, true);
+        Q_EMIT selectionChanged();
+    });
+    connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this, &COrganizeFormView::selectionChanged);
+    connect(
+        m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &COrganizeFormView::selectionChanged);
+    connect(m_list->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+        &COrganizeFormView::onCurrentRowChanged);
+    connect(m_tree, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
+        const QModelIndex index = m_tree->indexAt(pos);
+        if (index.isValid())
+            m_tree->setCurrentIndex(index);
+        QMenu menu(this);
+        buildTreeMenu(menu, m_treeModel->nodeAt(index));
+        menu.exec(m_tree->viewport()->mapToGlobal(pos));
+    });
+    connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
+        const QModelIndex index = m_list->indexAt(pos);
+        if (!index.isValid() || m_memberModel->isEntryRow(m_filter->mapToSource(index).row()))
+            return;
+        QMenu menu(this);
+        buildMemberMenu(menu);
+        menu.exec(m_list->viewport()->mapToGlobal(pos));
+    });
+    m_tree->expandToDepth(0);
+}
+
+COrganizeFormView::~COrganizeFormView() = default;
+
+void COrganizeFormView::setBalloonHelp(bool on)
+{
+    m_bBalloonHelp = on;
+    m_memberModel->setBalloonHelp(on);
+}
+
+OrgNode* COrganizeFormView::selectedNode() const
+{
+    return m_treeModel->nodeAt(m_tree->currentIndex());
+}
+
+std::vector<int> COrganizeFormView::selectedMemberRows() const
+{
+    std::set<int> rows;
+    for (const QModelIndex& index : m_list->selectionModel()->selectedRows()) {
+        const int row = m_filter->mapToSource(index).row();
+        if (!m_memberModel->isEntryRow(row))
+            rows.insert(row);
+    }
+    return {rows.begin(), rows.end()};
+}
+
+QModelIndex COrganizeFormView::memberIndex(int row, int column) const
+{
+    return m_filter->mapFromSource(m_memberModel->index(row, column));
+}
+
+bool COrganizeFormView::ask(const QString& question)
+{
+    return m_prompter.askYesNo(this, question);
+}
+
+// --- Commands -------------------------------------------------------------------------------------
+
+void COrganizeFormView::addDepartment()
+{
+    applyOutcome(m_edits.addDepartment(selectedNode()));
+    m_tree->edit(m_tree->currentIndex());
+}
+
+void COrganizeFormView::renameDepartment()
+{
+    const OrgNode* node = selectedNode();
+    if (node && node->isGroup())
+        m_tree->edit(m_tree->currentIndex());
+}
+
+void COrganizeFormView::deleteSelectedNode()
+{
+    applyOutcome(m_edits.deleteNode(selectedNode(), [this](const QString& question) { return ask(question); }));
+}
+
+void COrganizeFormView::addUser()
+{
+    const QModelIndex entry = memberIndex(m_memberModel->entryRow(), ColMemberID);
+    m_list->scrollToBottom();
+    m_list->setCurrentIndex(entry);
+    m_list->edit(entry);
+}
+
+void COrganizeFormView::deleteUsers()
+{
+    applyOutcome(m_edits.deleteUsers(selectedMemberRows(), [this](const QString& question) { return ask(question); }));
+}
+
+void COrganizeFormView::moveSelectedNode(ChartEdits::Move how)
+{
+    applyOutcome(m_edits.move(selectedNode(), how));
+}
+
+void COrganizeFormView::applyOutcome(const EditOutcome& outcome)
+{
+    if (outcome.balloon)
+        showBalloon(*outcome.balloon);
+    if (outcome.node) {
+        const QModelIndex index = m_treeModel->indexOf(outcome.node);
+        m_tree->setCurrentIndex(index);
+        m_tree->scrollTo(index);
+    }
+    if (outcome.row >= 0)
+        m_list->setCurrentIndex(memberIndex(outcome.row, ColMemberID));
+    Q_EMIT selectionChanged();
+}
+
+// --- Menus ----------------------------------------------------------------------------------------
+
+void COrganizeFormView::buildTreeMenu(QMenu& menu, OrgNode* node)
+{
+    menu.addAction(Msg::kMenuAddDepartment, this, &COrganizeFormView::addDepartment);
+    menu.addAction(Msg::kMenuDelete, this, &COrganizeFormView::deleteSelectedNode)
+        ->setEnabled(node && node != m_doc.chart().rootGroup());
+    menu.addAction(Msg::kMenuRename, this, &COrganizeFormView::renameDepartment)->setEnabled(node && node->isGroup());
+    menu.addSeparator();
+    const auto onNode = [this, node](auto&& edit) {
+        return [this, node, edit] {
+            if (node)
+                applyOutcome(edit(node));
+        };
+    };
+    menu.addAction(Msg::kMenuSortByRank, this, onNode([this](OrgNode* n) { return m_edits.sortByRank(n); }))
+        ->setEnabled(node);
+    const std::pair<QString, ChartEdits::Move> moves[]
+        = {{Msg::kMenuMoveToTop, ChartEdits::Move::ToTop}, {Msg::kMenuMoveUp, ChartEdits::Move::Up},
+            {Msg::kMenuMoveDown, ChartEdits::Move::Down}, {Msg::kMenuMoveToBottom, ChartEdits::Move::ToBottom}};
+    for (const auto& [text, how] : moves)
+        menu.addAction(text, this, onNode([this, how](OrgNode* n) { return m_edits.move(n, how); }))->setEnabled(node);
+    if (node && node->isMember()) {
+        menu.addSeparator();
+        addRankSubmenu(menu, node);
+    }
+    menu.addSeparator();
+    menu.addAction(Msg::kMenuRegistrationMail, this, [this] { requestRegistrationMail(true); })->setEnabled(node);
+}
+
+void COrganizeFormView::addRankSubmenu(QMenu& menu, OrgNode* placement)
+{
+    QMenu* ranks = menu.addMenu(Msg::kMenuRankSubmenu);
+    const int current = m_doc.ranks().positionOf(placement->rankId());
+    for (int k = 0; k <= m_doc.ranks().count() && RankEdits::kNoRankCommand + k <= RankEdits::kLastRankCommand; ++k) {
+        QAction* action = ranks->addAction(k == 0 ? Msg::kNoRank : m_doc.ranks().at(k - 1).RankName);
+        action->setCheckable(true);
+        action->setChecked(current == k - 1);
+        connect(action, &QAction::triggered, this,
+            [this, placement, k] { applyOutcome(m_edits.setRank(placement, RankEdits::kNoRankCommand + k)); });
+    }
+}
+
+void COrganizeFormView::buildMemberMenu(QMenu& menu)
+{
+    menu.addAction(Msg::kMenuAddMember, this, &COrganizeFormView::addUser);
+    menu.addAction(Msg::kMenuDeleteMember, this, &COrganizeFormView::deleteUsers);
+    OrgNode* department = selectedNode();
+    const QString label = ChartEdits::addToDepartmentLabel(department);
+    if (!label.isEmpty()) {
+        menu.addAction(label, this, [this, department] {
+            applyOutcome(m_edits.addToDepartment(selectedMemberRows(), department));
+            m_tree->setExpanded(m_treeModel->indexOf(department), true);
+        });
+    }
+    menu.addSeparator();
+    menu.addAction(Msg::kMenuRegistrationMail, this, [this] { requestRegistrationMail(false); });
+}
+
+void COrganizeFormView::requestRegistrationMail(bool fromTree)
+{
+    QList<int> ids;
+    if (fromTree) {
+        OrgNode* node = selectedNode();
+        if (node && node->isMember())
+            ids << node->memberId();
+        else if (node) {
+            std::vector<OrgNode*> pending {node};
+            while (!pending.empty()) {
+                OrgNode* current = pending.back();
+                pending.pop_back();
+                for (int i = current->childCount() - 1; i >= 0; --i) {
+                    OrgNode* child = current->child(i);
+                    child->isMember() ? void(ids << child->memberId()) : pending.push_back(child);
+                }
+            }
+        }
+    } else {
+        for (const int row : selectedMemberRows())
+            ids << m_doc.chart().member(row).K_MemberID;
+    }
+    if (!ids.isEmpty())
+        Q_EMIT registrationMailRequested(ids);
+}
+
+// --- Balloons and the rule of leaving a row -----------------------------------------------------------
+
+void COrganizeFormView::showBalloon(const Balloon& balloon)
+{
+    if (balloon.icon == Balloon::Icon::Question && !m_bBalloonHelp)
+        return;
+    QPoint point = mapToGlobal(rect().center());
+    if (balloon.target == Balloon::Target::MemberCell) {
+        const QModelIndex index = memberIndex(balloon.row, balloon.column);
+        if (index.isValid()) {
+            m_list->scrollTo(index);
+            const QRect cell = m_list->visualRect(index);
+            point
+                = m_list->viewport()->mapToGlobal(QPoint(cell.left() + std::min(cell.width() / 2, 24), cell.bottom()));
+        }
+    } else if (balloon.target == Balloon::Target::TreeNode) {
+        const QModelIndex index = m_treeModel->indexOf(balloon.node);
+        const QRect item = m_tree->visualRect(index);
+        point = m_tree->viewport()->mapToGlobal(QPoint(item.left() + 24, item.bottom()));
+    }
+    BalloonTip::show(this, point, balloon);
+}
+
+void COrganizeFormView::showHints()
+{
+    if (const auto hint = m_edits.emptyTreeHint(); hint && m_bBalloonHelp)
+        showBalloon(*hint);
+}
+
+void COrganizeFormView::onCurrentRowChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    if (m_bRevertingRow || !previous.isValid() || current.row() == previous.row())
+        return;
+    const int row = m_filter->mapToSource(previous).row();
+    const auto refusal = m_edits.checkLeaveRow(row);
+    if (!refusal)
+        return;
+    // Back to the password cell of the row just left, once the view is done moving.
+    QTimer::singleShot(0, this, [this, row, refusal] {
+        m_bRevertingRow = true;
+        m_list->setCurrentIndex(memberIndex(row, ColPasswd));
+        m_list->selectRow(memberIndex(row, ColPasswd).row());
+        m_bRevertingRow = false;
+        showBalloon(*refusal);
+    });
+}
+
+} // namespace sable

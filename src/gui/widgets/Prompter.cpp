@@ -1,0 +1,44 @@
+#include "widgets/Prompter.h"
+
+#include <QMessageBox>
+
+namespace sable {
+namespace {
+
+QString titleOf(QWidget* parent)
+{
+    return parent && parent->window() ? parent->window()->windowTitle() : QStringLiteral("SableManager");
+}
+
+} // namespace
+
+Prompter Prompter::messageBoxes()
+{
+    Prompter prompter;
+    prompter.askYesNo = [](QWidget* parent, const QString& question) {
+        return QMessageBox::question(parent, titleOf(parent), question, QMessageBox::Yes | QMessageBox::No)
+            == QMessageBox::Yes;
+    };
+    prompter.askYesNoDetailed = [](QWidget* parent, const QString& question, const QString& details) {
+        QMessageBox box(QMessageBox::Question, titleOf(parent), question, QMessageBox::Yes | QMessageBox::No, parent);
+        box.setInformativeText(details);
+        return box.exec() == QMessageBox::Yes;
+    };
+    prompter.askYesNoCancel = [](QWidget* parent, const QString& question) {
+        switch (QMessageBox::question(
+            parent, titleOf(parent), question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)) {
+        case QMessageBox::Yes:
+            return Answer::Yes;
+        case QMessageBox::No:
+            return Answer::No;
+        default:
+            return Answer::Cancel;
+        }
+    };
+    prompter.inform
+        = [](QWidget* parent, const QString& text) { QMessageBox::information(parent, titleOf(parent), text); };
+    prompter.warn = [](QWidget* parent, const QString& text) { QMessageBox::warning(parent, titleOf(parent), text); };
+    return prompter;
+}
+
+} // namespace sable
