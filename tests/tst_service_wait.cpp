@@ -29,9 +29,9 @@ ServiceReply outcome(ServiceOutcome what)
 class ScriptedService final : public ServiceBackend
 {
 public:
-    ScriptedService(ServiceReply request, std::vector<ServiceReply> queries)
+    ScriptedService(ServiceReply request, std::vector<ServiceReply> script)
         : m_request(std::move(request))
-        , m_queries(queries.begin(), queries.end())
+        , m_queries(script.begin(), script.end())
     { }
 
     ServiceReply query(const std::string&) override

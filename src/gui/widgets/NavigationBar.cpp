@@ -54,7 +54,7 @@ int NavigationBar::addGroup(const QString& title)
     return index;
 }
 
-int NavigationBar::addItem(int group, const QIcon& icon, const QString& text, int data)
+int NavigationBar::addItem(int group, const QIcon& icon, const QString& text, int value)
 {
     auto* button = new QToolButton(m_groups[static_cast<size_t>(group)].panel);
     button->setProperty("role", QStringLiteral("item"));
@@ -67,7 +67,7 @@ int NavigationBar::addItem(int group, const QIcon& icon, const QString& text, in
     button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_groups[static_cast<size_t>(group)].layout->addWidget(button);
     const int index = static_cast<int>(m_items.size());
-    m_items.push_back({group, data, button});
+    m_items.push_back({group, value, button});
     connect(button, &QToolButton::clicked, this, [this, index, button] {
         // The current item stays marked until the owner says which item is current.
         button->setChecked(!button->isChecked());
@@ -98,11 +98,11 @@ void NavigationBar::openGroup(int group)
         m_groups[i].panel->setVisible(static_cast<int>(i) == group);
 }
 
-void NavigationBar::setCurrentData(int data)
+void NavigationBar::setCurrentData(int value)
 {
     for (const Item& item : m_items) {
-        item.button->setChecked(item.data == data);
-        if (item.data == data && item.group != m_openGroup)
+        item.button->setChecked(item.data == value);
+        if (item.data == value && item.group != m_openGroup)
             openGroup(item.group);
     }
 }

@@ -21,7 +21,7 @@ public:
 
     int addGroup(const QString& title);
     // Adds an item to `group`; returns its index among all items.
-    int addItem(int group, const QIcon& icon, const QString& text, int data);
+    int addItem(int group, const QIcon& icon, const QString& text, int value);
     int itemData(int item) const;
     int itemCount() const { return static_cast<int>(m_items.size()); }
     QToolButton* itemButton(int item) const;
@@ -29,8 +29,8 @@ public:
 
     void openGroup(int group);
     int openGroupIndex() const { return m_openGroup; }
-    // Shows the item whose data is `data` as the current one (its group opens).
-    void setCurrentData(int data);
+    // Shows the item whose data is `value` as the current one (its group opens).
+    void setCurrentData(int value);
 
 Q_SIGNALS:
     void itemClicked(int item);
