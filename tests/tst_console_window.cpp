@@ -177,10 +177,12 @@ void TestConsoleWindow::commandStates_data()
     QTest::addColumn<bool>("chart");
     QTest::addColumn<bool>("ranks");
     QTest::addColumn<bool>("upDown");
-    QTest::newRow("start page") << int(Cmd::kStartPage) << false << false << false;
-    QTest::newRow("chart editor") << int(Cmd::kChartEditor) << true << false << true;
-    QTest::newRow("rank editor") << int(Cmd::kRankEditor) << false << true << true;
-    QTest::newRow("folder permissions") << int(Cmd::kFolderPermissions) << false << false << false;
+    QTest::addColumn<bool>("permissions");
+    QTest::newRow("start page") << int(Cmd::kStartPage) << false << false << false << false;
+    QTest::newRow("chart editor") << int(Cmd::kChartEditor) << true << false << true << false;
+    QTest::newRow("rank editor") << int(Cmd::kRankEditor) << false << true << true << false;
+    QTest::newRow("folder permissions") << int(Cmd::kFolderPermissions) << false << false << false << true;
+    QTest::newRow("user permissions") << int(Cmd::kUserPermissions) << false << false << false << true;
 }
 
 void TestConsoleWindow::commandStates()
@@ -189,9 +191,16 @@ void TestConsoleWindow::commandStates()
     QFETCH(bool, chart);
     QFETCH(bool, ranks);
     QFETCH(bool, upDown);
+    QFETCH(bool, permissions);
     CMainFrame& frame = m_console->open();
     QVERIFY(m_console->load());
     frame.switchToView(view);
+    QCOMPARE(frame.action(Cmd::kDeletePermission)->isEnabled(), permissions);
+    QCOMPARE(frame.action(Cmd::kEditFolders)->isEnabled(), permissions);
+    // A command that is disabled does nothing, also when it is asked for directly.
+    const int groups = frame.document().chart().groupCount();
+    frame.runCommand(Cmd::kAddDepartment);
+    QCOMPARE(frame.document().chart().groupCount(), groups + (chart ? 1 : 0));
     for (int command = Cmd::kAddDepartment; command <= Cmd::kDeleteUser; ++command)
         QCOMPARE(frame.action(command)->isEnabled(), chart);
     for (int command = Cmd::kAddRank; command <= Cmd::kDeleteRank; ++command)
@@ -231,7 +240,7 @@ void TestConsoleWindow::dragMembersOntoDepartment()
     QVERIFY(!form->tree()->model()->canDropMimeData(data, Qt::MoveAction, -1, 0, member));
     delete data;
     QVERIFY(frame.document().isModified());
-    QVERIFY(frame.action(-1)->text().contains(QStringLiteral("기술연구소")));
+    QVERIFY(frame.action(Cmd::kUndo)->text().contains(QStringLiteral("기술연구소")));
 }
 
 void TestConsoleWindow::renameInPlace()
@@ -375,8 +384,8 @@ void TestConsoleWindow::editSaveAndFindAfterRestart()
     form->treeModel()->dropMimeData(interns.get(), Qt::MoveAction, -1, 0, form->treeModel()->indexOf(team));
     ChartEdits(frame.document()).setRank(team->child(0), RankEdits::kNoRankCommand + 2);
     ChartEdits(frame.document()).setRank(team->child(1), RankEdits::kNoRankCommand + 3);
-    QVERIFY(frame.action(-1)->isEnabled());
-    frame.action(-1)->trigger();
+    QVERIFY(frame.action(Cmd::kUndo)->isEnabled());
+    frame.action(Cmd::kUndo)->trigger();
     QCOMPARE(team->child(1)->rankId(), 6);
 
     QSignalSpy saved(&frame, &CMainFrame::saveFinished);

@@ -230,7 +230,7 @@ void TestFileBoxViews::missingFolderStaysAndIsRemovable()
     // The folder is still in the list: only the administrator's edits change it.
     QCOMPARE(missing->count(), 1);
     QVERIFY(frame.document().fileBox().findFolderByPath(QStringLiteral("\\연구소")));
-    frame.action(-1)->trigger(); // undo
+    frame.action(Cmd::kUndo)->trigger(); // undo
     QCOMPARE(view->permissionModel()->rowCount(), 3);
     // Made on disk again, it leaves the missing ones when the page is shown next.
     QDir().mkpath(m_console->home.path(QStringLiteral("box/연구소")));

@@ -46,16 +46,6 @@ namespace {
 constexpr int kStartServicesDelayMs = 500;
 constexpr int kReaderEndWaitMs = 2000;
 
-bool isChartCommand(int command)
-{
-    return command >= Cmd::kAddDepartment && command <= Cmd::kDeleteUser;
-}
-
-bool isRankCommand(int command)
-{
-    return command >= Cmd::kAddRank && command <= Cmd::kDeleteRank;
-}
-
 } // namespace
 
 CMainFrame::CMainFrame(
@@ -65,13 +55,18 @@ CMainFrame::CMainFrame(
     , m_settings(std::move(settings))
     , m_links(ProductLinks::read(m_config.registry()))
     , m_services(std::make_unique<ServerServiceControl>(std::move(services), m_config.paths()))
+    , m_commands(this, [this](int command) { runCommand(command); })
 {
     setWindowTitle(Msg::kAppTitle);
     setWindowIcon(Icons::app());
     resize(770, 630);
-    createActions();
-    createMenus();
-    createToolBar();
+    declareCommands();
+    m_commands.fillMenuBar(menuBar());
+    m_toolBar = addToolBar(Msg::kAppTitle);
+    m_toolBar->setObjectName(QStringLiteral("ToolBar"));
+    m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_toolBar->setIconSize(QSize(16, 16));
+    m_commands.fillToolBar(m_toolBar);
     createNavigation();
 
     m_statusDatabase = new QLabel(ServerDatabase::describe(m_config), this);
@@ -124,110 +119,7 @@ void CMainFrame::setPrompter(Prompter prompter)
     }
 }
 
-// --- Menus, tool bar, navigation ------------------------------------------------------------------
-
-QAction* CMainFrame::addCommand(QMenu* menu, int command, const QString& label, const QKeySequence& shortcut)
-{
-    QAction* action = m_actions.value(command);
-    if (!action) {
-        action = new QAction(label, this);
-        action->setShortcut(shortcut);
-        connect(action, &QAction::triggered, this, [this, command] { runCommand(command); });
-        m_actions.insert(command, action);
-    }
-    if (menu)
-        menu->addAction(action);
-    return action;
-}
-
-void CMainFrame::createActions()
-{
-    auto* undo = new QAction(Icons::undo(), Msg::kCmdUndo, this);
-    undo->setShortcut(QKeySequence::Undo);
-    connect(undo, &QAction::triggered, this, [this] { m_doc.history().undo(); });
-    auto* redo = new QAction(Icons::redo(), Msg::kCmdRedo, this);
-    redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence::Redo});
-    connect(redo, &QAction::triggered, this, [this] { m_doc.history().redo(); });
-    m_actions.insert(-1, undo);
-    m_actions.insert(-2, redo);
-}
-
-void CMainFrame::createMenus()
-{
-    QMenu* file = menuBar()->addMenu(Msg::kMenuFile);
-    addCommand(file, Cmd::kRegistrationMail, Msg::kCmdRegistrationMail);
-    addCommand(file, Cmd::kPreviousVersionData, Msg::kCmdPreviousVersionData);
-    addCommand(file, Cmd::kImportUsers, Msg::kCmdImportUsers, QKeySequence(Qt::CTRL | Qt::Key_O));
-    // The member list as a file that the import reads back; a command of this console's own.
-    connect(file->addAction(Msg::kCmdExportUsers), &QAction::triggered, this, [this] {
-        const QString path = QFileDialog::getSaveFileName(
-            this, Msg::kExportDialogTitle, QDir::home().filePath(QStringLiteral("users.csv")), Msg::kExportFileFilter);
-        QString problem;
-        if (!path.isEmpty() && !UserExport::writeFile(m_doc.chart(), m_doc.ranks(), path, &problem))
-            m_prompter.warn(this, problem);
-    });
-    file->addSeparator();
-    addCommand(file, Cmd::kSave, Msg::kCmdSave, QKeySequence(Qt::CTRL | Qt::Key_S))->setIcon(Icons::save());
-    file->addSeparator();
-    addCommand(file, Cmd::kExit, Msg::kCmdExit);
-
-    QMenu* edit = menuBar()->addMenu(Msg::kMenuEdit);
-    edit->addAction(m_actions.value(-1));
-    edit->addAction(m_actions.value(-2));
-    edit->addSeparator();
-    addCommand(edit, Cmd::kAddDepartment, Msg::kCmdAddDepartment);
-    addCommand(edit, Cmd::kRenameDepartment, Msg::kCmdRenameDepartment);
-    addCommand(edit, Cmd::kDeleteDepartment, Msg::kCmdDeleteDepartment);
-    addCommand(edit, Cmd::kAddUser, Msg::kCmdAddUser);
-    addCommand(edit, Cmd::kDeleteUser, Msg::kCmdDeleteUser);
-    edit->addSeparator();
-    addCommand(edit, Cmd::kAddRank, Msg::kCmdAddRank);
-    addCommand(edit, Cmd::kRenameRank, Msg::kCmdRenameRank);
-    addCommand(edit, Cmd::kDeleteRank, Msg::kCmdDeleteRank);
-    edit->addSeparator();
-    addCommand(edit, Cmd::kDeletePermission, Msg::kCmdDeletePermission);
-    addCommand(edit, Cmd::kEditFolders, Msg::kCmdEditFolders);
-
-    QMenu* view = menuBar()->addMenu(Msg::kMenuView);
-    addCommand(view, Cmd::kToolBar, Msg::kCmdToolBar)->setCheckable(true);
-    addCommand(view, Cmd::kStatusBar, Msg::kCmdStatusBar)->setCheckable(true);
-    addCommand(view, Cmd::kBalloonHelp, Msg::kCmdBalloonHelp)->setCheckable(true);
-
-    QMenu* server = menuBar()->addMenu(Msg::kMenuServer);
-    addCommand(server, Cmd::kStartServer, Msg::kCmdStartServer);
-    addCommand(server, Cmd::kStopServer, Msg::kCmdStopServer);
-    server->addSeparator();
-    addCommand(server, Cmd::kDatabaseSettings, Msg::kCmdDatabaseSettings);
-    addCommand(server, Cmd::kFileServers, Msg::kCmdFileServers);
-
-    QMenu* settings = menuBar()->addMenu(Msg::kMenuServerSettings);
-    addCommand(settings, Cmd::kLogo, Msg::kCmdLogo);
-    addCommand(settings, Cmd::kHomePage, Msg::kCmdHomePage);
-
-    QMenu* help = menuBar()->addMenu(Msg::kMenuHelp);
-    addCommand(help, Cmd::kHelp, Msg::kCmdHelp, QKeySequence(Qt::Key_F1));
-    addCommand(help, Cmd::kProductHome, Msg::kCmdProductHome);
-    addCommand(help, Cmd::kQuickGuide, Msg::kCmdQuickGuide);
-    help->addSeparator();
-    addCommand(help, Cmd::kAbout, Msg::kCmdAbout);
-}
-
-void CMainFrame::createToolBar()
-{
-    m_toolBar = addToolBar(Msg::kAppTitle);
-    m_toolBar->setObjectName(QStringLiteral("ToolBar"));
-    m_toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_toolBar->setIconSize(QSize(16, 16));
-    m_toolBar->addAction(m_actions.value(Cmd::kSave));
-    m_toolBar->addSeparator();
-    m_toolBar->addAction(m_actions.value(-1));
-    m_toolBar->addAction(m_actions.value(-2));
-    m_toolBar->addSeparator();
-    addCommand(nullptr, Cmd::kMoveUp, Msg::kToolUp)->setIcon(Icons::up());
-    addCommand(nullptr, Cmd::kMoveDown, Msg::kToolDown)->setIcon(Icons::down());
-    m_toolBar->addAction(m_actions.value(Cmd::kMoveUp));
-    m_toolBar->addAction(m_actions.value(Cmd::kMoveDown));
-}
+// --- Navigation ----------------------------------------------------------------------------------
 
 void CMainFrame::createNavigation()
 {
@@ -349,178 +241,50 @@ FileBoxPermissionView* CMainFrame::fileBoxView() const
 
 void CMainFrame::updateCommandStates()
 {
-    const bool chartView = m_currentView == Cmd::kChartEditor;
-    const bool rankView = m_currentView == Cmd::kRankEditor;
-    for (auto it = m_actions.cbegin(); it != m_actions.cend(); ++it) {
-        if (isChartCommand(it.key()))
-            it.value()->setEnabled(chartView);
-        else if (isRankCommand(it.key()))
-            it.value()->setEnabled(rankView);
-    }
-    action(Cmd::kDeletePermission)->setEnabled(fileBoxView() != nullptr);
-    action(Cmd::kEditFolders)->setEnabled(fileBoxView() != nullptr);
-    action(Cmd::kMoveUp)->setEnabled(chartView || rankView);
-    action(Cmd::kMoveDown)->setEnabled(chartView || rankView);
-    action(Cmd::kStartServer)->setEnabled(m_services->isStartEnabled());
-    action(Cmd::kStopServer)->setEnabled(m_services->isStopEnabled());
-    action(Cmd::kDatabaseSettings)->setEnabled(!m_databaseChange || !m_databaseChange->isRunning());
-    action(Cmd::kSave)->setEnabled(!m_saveRunner || !m_saveRunner->isRunning());
-    action(Cmd::kToolBar)->setChecked(m_toolBar->isVisible() || !isVisible());
-    action(Cmd::kStatusBar)->setChecked(statusBar()->isVisible() || !isVisible());
-    action(Cmd::kBalloonHelp)->setChecked(m_settings.bBalloonHelp);
-    const EditHistory& history = m_doc.history();
-    QAction* undo = m_actions.value(-1);
-    QAction* redo = m_actions.value(-2);
-    undo->setEnabled(history.canUndo());
-    redo->setEnabled(history.canRedo());
-    undo->setText(history.canUndo() ? Msg::kCmdUndoStep.arg(history.undoText()) : Msg::kCmdUndo);
-    redo->setText(history.canRedo() ? Msg::kCmdRedoStep.arg(history.redoText()) : Msg::kCmdRedo);
+    m_commands.updateStates(m_currentView);
 }
 
 // --- Commands ---------------------------------------------------------------------------------------
 
 void CMainFrame::runCommand(int command)
 {
-    QAction* entry = action(command);
-    if (entry && !entry->isEnabled())
-        return;
-    if (isChartCommand(command)
-        || ((command == Cmd::kMoveUp || command == Cmd::kMoveDown) && m_currentView == Cmd::kChartEditor)) {
-        routeToChartEditor(command);
-        return;
-    }
-    if (isRankCommand(command) || command == Cmd::kMoveUp || command == Cmd::kMoveDown) {
-        routeToRankEditor(command);
-        return;
-    }
-    switch (command) {
-    case Cmd::kRegistrationMail:
-        showRegistrationMail();
-        break;
-    case Cmd::kPreviousVersionData:
-        downloadUpgrade();
-        break;
-    case Cmd::kImportUsers: {
-        ImportWizard wizard(m_doc, this);
-        wizard.exec();
-        break;
-    }
-    case Cmd::kDeletePermission:
-        if (fileBoxView())
-            fileBoxView()->deleteSelectedPermissions();
-        break;
-    case Cmd::kEditFolders:
-        if (fileBoxView())
-            fileBoxView()->editFolders();
-        break;
-    case Cmd::kSave:
-        save();
-        break;
-    case Cmd::kExit:
-        close();
-        break;
-    case Cmd::kToolBar:
-        m_toolBar->setVisible(!m_toolBar->isVisible());
-        break;
-    case Cmd::kStatusBar:
-        statusBar()->setVisible(!statusBar()->isVisible());
-        break;
-    case Cmd::kBalloonHelp:
-        toggleBalloonHelp();
-        break;
-    case Cmd::kStartServer:
-        m_services->requestStartAll();
-        break;
-    case Cmd::kStopServer:
-        m_services->requestStopServer();
-        break;
-    case Cmd::kDatabaseSettings:
-        changeDatabase();
-        break;
-    case Cmd::kFileServers:
-        ClientSettingsCommands::runFileServers(m_config, this);
-        break;
-    case Cmd::kLogo:
-        ClientSettingsCommands::runLogo(m_config, this);
-        break;
-    case Cmd::kHomePage:
-        ClientSettingsCommands::runHomePage(m_config, this);
-        break;
-    case Cmd::kHelp:
-        QDesktopServices::openUrl(m_links.help);
-        break;
-    case Cmd::kProductHome:
-        QDesktopServices::openUrl(m_links.home);
-        break;
-    case Cmd::kQuickGuide:
-        QDesktopServices::openUrl(
-            QUrl::fromLocalFile(m_config.paths().programFolder + QStringLiteral("/QuickGuide/Call.html")));
-        break;
-    case Cmd::kAbout:
-        QMessageBox::about(this, Msg::kCmdAbout.left(Msg::kCmdAbout.indexOf(u'(')),
-            QStringLiteral("<h3>%1</h3><p>%2</p>").arg(Msg::kProductName, QStringLiteral(SABLE_VERSION_STRING)));
-        break;
-    default:
-        break;
-    }
+    m_commands.run(command, m_currentView);
     updateCommandStates();
 }
 
-void CMainFrame::routeToChartEditor(int command)
+void CMainFrame::importUsers()
 {
-    if (!chartEditor())
-        return;
-    COrganizeFormView* form = chartEditor()->form();
-    switch (command) {
-    case Cmd::kAddDepartment:
-        form->addDepartment();
-        break;
-    case Cmd::kRenameDepartment:
-        form->renameDepartment();
-        break;
-    case Cmd::kDeleteDepartment:
-        form->deleteSelectedNode();
-        break;
-    case Cmd::kAddUser:
-        form->addUser();
-        break;
-    case Cmd::kDeleteUser:
-        form->deleteUsers();
-        break;
-    case Cmd::kMoveUp:
-        form->moveSelectedNode(ChartEdits::Move::Up);
-        break;
-    case Cmd::kMoveDown:
-        form->moveSelectedNode(ChartEdits::Move::Down);
-        break;
-    default:
-        break;
-    }
+    ImportWizard wizard(m_doc, this);
+    wizard.exec();
 }
 
-void CMainFrame::routeToRankEditor(int command)
+void CMainFrame::exportUsers()
 {
-    if (!rankEditor() || m_currentView != Cmd::kRankEditor)
-        return;
-    switch (command) {
-    case Cmd::kAddRank:
-        rankEditor()->addRank();
-        break;
-    case Cmd::kRenameRank:
-        rankEditor()->renameRank();
-        break;
-    case Cmd::kDeleteRank:
-        rankEditor()->deleteRank();
-        break;
-    case Cmd::kMoveUp:
-        rankEditor()->moveSelectedRank(true);
-        break;
-    case Cmd::kMoveDown:
-        rankEditor()->moveSelectedRank(false);
-        break;
-    default:
-        break;
-    }
+    const QString path = QFileDialog::getSaveFileName(
+        this, Msg::kExportDialogTitle, QDir::home().filePath(QStringLiteral("users.csv")), Msg::kExportFileFilter);
+    QString problem;
+    if (!path.isEmpty() && !UserExport::writeFile(m_doc.chart(), m_doc.ranks(), path, &problem))
+        m_prompter.warn(this, problem);
+}
+
+void CMainFrame::moveSelection(bool bUp)
+{
+    if (m_currentView == Cmd::kChartEditor && chartEditor())
+        chartEditor()->form()->moveSelectedNode(bUp ? ChartEdits::Move::Up : ChartEdits::Move::Down);
+    else if (m_currentView == Cmd::kRankEditor && rankEditor())
+        rankEditor()->moveSelectedRank(bUp);
+}
+
+void CMainFrame::openQuickGuide()
+{
+    QDesktopServices::openUrl(
+        QUrl::fromLocalFile(m_config.paths().programFolder + QStringLiteral("/QuickGuide/Call.html")));
+}
+
+void CMainFrame::showAbout()
+{
+    QMessageBox::about(this, Msg::kCmdAbout.left(Msg::kCmdAbout.indexOf(u'(')),
+        QStringLiteral("<h3>%1</h3><p>%2</p>").arg(Msg::kProductName, QStringLiteral(SABLE_VERSION_STRING)));
 }
 
 void CMainFrame::openFileBoxSettings()

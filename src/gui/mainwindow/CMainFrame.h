@@ -3,6 +3,7 @@
 #include "document/CSableManagerDoc.h"
 #include "document/ChartSave.h"
 #include "mainwindow/CommandIds.h"
+#include "mainwindow/CommandTable.h"
 #include "server/ProductLinks.h"
 #include "server/StartupConfig.h"
 #include "widgets/Prompter.h"
@@ -16,7 +17,6 @@
 
 class QAction;
 class QLabel;
-class QMenu;
 class QStackedWidget;
 class QToolBar;
 
@@ -55,7 +55,8 @@ public:
 
     CSableManagerDoc& document() { return m_doc; }
     ServerServiceControl& services() { return *m_services; }
-    QAction* action(int command) const { return m_actions.value(command); }
+    QAction* action(int command) const { return m_commands.action(command); }
+    const CommandTable& commands() const { return m_commands; }
     int currentView() const { return m_currentView; }
     NavigationBar* navigationBar() const { return m_navigation; }
     QWidget* view(int index) const { return m_views.value(index); }
@@ -83,11 +84,14 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void createActions();
-    void createMenus();
-    void createToolBar();
+    // The console's commands, declared once (ConsoleCommands.cpp).
+    void declareCommands();
+    void declareFileCommands();
+    void declareEditCommands();
+    void declareViewCommands();
+    void declareServerCommands();
+    void declareHelpCommands();
     void createNavigation();
-    QAction* addCommand(QMenu* menu, int command, const QString& label, const QKeySequence& shortcut = {});
     void onNavigationItem(int item);
     QWidget* createView(int view);
 
@@ -100,8 +104,11 @@ private:
     void showRegistrationMail(const QList<int>& memberIds = {});
     void downloadUpgrade();
     void changeDatabase();
-    void routeToChartEditor(int command);
-    void routeToRankEditor(int command);
+    void importUsers();
+    void exportUsers();
+    void moveSelection(bool bUp);
+    void openQuickGuide();
+    void showAbout();
     void openFileBoxSettings();
 
     StartupConfig m_config;
@@ -114,7 +121,7 @@ private:
     QStackedWidget* m_pane = nullptr;
     QToolBar* m_toolBar = nullptr;
     QLabel* m_statusDatabase = nullptr;
-    QHash<int, QAction*> m_actions;
+    CommandTable m_commands;
     QHash<int, QWidget*> m_views;
     int m_currentView = Cmd::kStartPage;
     bool m_bChartLoaded = false;

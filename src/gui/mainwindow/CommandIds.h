@@ -8,9 +8,12 @@ namespace sable::Cmd {
 constexpr int kRegistrationMail = 32803;
 constexpr int kPreviousVersionData = 32817;
 constexpr int kImportUsers = 32804;
+constexpr int kExportUsers = 32826; // the member list as a file that the import reads back
 constexpr int kSave = 32781;
 constexpr int kExit = 57665;
 // 편집
+constexpr int kUndo = 57643;
+constexpr int kRedo = 57644;
 constexpr int kAddDepartment = 32784;
 constexpr int kRenameDepartment = 32785;
 constexpr int kDeleteDepartment = 32786;
