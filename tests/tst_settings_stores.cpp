@@ -141,6 +141,8 @@ void TestSettingsStores::iniReadInt_data()
     QTest::newRow("negative") << QByteArray("Version=-5") << -5;
     QTest::newRow("hexadecimal") << QByteArray("Version=0x1F") << 31;
     QTest::newRow("trailing text") << QByteArray("Version=7x") << 7;
+    QTest::newRow("wraps round 32 bits") << QByteArray("Version=0x100000002") << 2;
+    QTest::newRow("binary") << QByteArray("Version= +0b101") << 5;
     QTest::newRow("not a number") << QByteArray("Version=abc") << 0;
     QTest::newRow("empty") << QByteArray("Version=") << 99;
     QTest::newRow("missing") << QByteArray("Other=1") << 99;

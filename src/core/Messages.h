@@ -68,10 +68,10 @@ inline const QString kMenuAddMember = QStringLiteral("사원 추가(&A)");
 inline const QString kMenuDeleteMember = QStringLiteral("사원 삭제(&D)");
 inline const QString kMenuAddRank = QStringLiteral("직급 추가(&A)");
 inline const QString kMenuRenameRank = QStringLiteral("이름 바꾸기(&M)");
-inline const QString kRankUpTip = QStringLiteral("한단계 위로");
-inline const QString kRankUpPrompt = QStringLiteral("우선순위를 한단계 올립니다.");
-inline const QString kRankDownTip = QStringLiteral("한단계 아래로");
-inline const QString kRankDownPrompt = QStringLiteral("우선 순위를 한단계 내립니다.");
+inline const QString kMoveUpTip = QStringLiteral("한단계 위로");
+inline const QString kMoveUpPrompt = QStringLiteral("우선순위를 한단계 올립니다.");
+inline const QString kMoveDownTip = QStringLiteral("한단계 아래로");
+inline const QString kMoveDownPrompt = QStringLiteral("우선 순위를 한단계 내립니다.");
 inline const QString kSearchPlaceholder = QStringLiteral("아이디, 이름, 이메일, 전화번호, 부서로 찾기");
 inline const QString kOnlyWithoutDepartment = QStringLiteral("소속 없는 사용자만");
 
@@ -183,10 +183,6 @@ inline const QString kTipQuickGuide = QStringLiteral("Quick Guide");
 inline const QString kPromptQuickGuide = QStringLiteral("빠른 사용 안내를 엽니다.");
 inline const QString kTipAbout = QStringLiteral("프로그램 정보");
 inline const QString kPromptAbout = QStringLiteral("프로그램 이름과 버전을 보여 줍니다.");
-inline const QString kTipMoveUp = QStringLiteral("위로");
-inline const QString kPromptMoveUp = QStringLiteral("선택한 부서, 부서원이나 직급을 한 칸 위로 옮깁니다.");
-inline const QString kTipMoveDown = QStringLiteral("아래로");
-inline const QString kPromptMoveDown = QStringLiteral("선택한 부서, 부서원이나 직급을 한 칸 아래로 옮깁니다.");
 inline const QString kNavChartGroup = QStringLiteral("조직도 관리");
 inline const QString kNavFileBoxGroup = QStringLiteral("세이블박스 관리");
 inline const QString kNavChartEditor = QStringLiteral("조직도 편집");
@@ -205,7 +201,6 @@ inline const QString kSaveSummary = QStringLiteral("데이터베이스와 비교
                                                    "부서: 추가 %1, 변경 %2, 삭제 %3\n"
                                                    "사용자: 추가 %4, 변경 %5, 삭제 %6\n"
                                                    "소속: 추가 %7, 변경 %8, 삭제 %9");
-inline const QString kNotAvailableYet = QStringLiteral("이 기능은 아직 준비되지 않았습니다.");
 
 // The start page
 inline const QString kStartServices = QStringLiteral("서버 서비스");
@@ -224,7 +219,6 @@ inline const QString kServiceStopPending = QStringLiteral("정지하는 중");
 inline const QString kServiceStopped = QStringLiteral("중지됨");
 inline const QString kServiceMissing = QStringLiteral("설치되지 않음");
 inline const QString kServiceUnknown = QStringLiteral("확인할 수 없음");
-inline const QString kChartNotLoaded = QStringLiteral("조직도를 읽는 중입니다...");
 
 // Names of the edits in the undo and redo commands
 inline const QString kStepAddDepartment = QStringLiteral("부서 추가");
@@ -313,7 +307,6 @@ inline const QString kFileServerNote
     = QStringLiteral("주의: 파일서버가 실행중인지 확인하신 이후에 추가 또는 편집 해주시기 바랍니다.");
 
 // Registration mail
-inline const QString kRegistrationMailCommand = QStringLiteral("등록메일(설치파일) 전송(&M)");
 inline const QString kRegistrationMailTitle = QStringLiteral("등록메일(설치파일) 전송");
 inline const QString kMailSenderNamePrompt = QStringLiteral("☞보내는 사람의 이름을 입력하세요(&N)");
 inline const QString kMailSubjectPrompt = QStringLiteral("☞발송 메일의 제목을 입력하세요(&S)");
@@ -465,7 +458,6 @@ inline const QString kImportBackButton = QStringLiteral("< 뒤로(&B)");
 inline const QString kImportNextButton = QStringLiteral("다음(&N) >");
 inline const QString kImportAndMore = QStringLiteral("%1 외 %2개");
 inline const QString kImportNothingToApply = QStringLiteral("추가하거나 수정할 사용자가 없습니다.");
-inline const QString kImportDone = QStringLiteral("사용자 %1명을 추가하고 %2명을 수정했습니다.");
 inline const QString kCmdExportUsers = QStringLiteral("사용자 목록 내보내기(&E)...");
 inline const QString kExportDialogTitle = QStringLiteral("사용자 목록 내보내기");
 inline const QString kExportFileFilter = QStringLiteral("CSV 파일 (*.csv)");

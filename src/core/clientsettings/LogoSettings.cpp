@@ -2,6 +2,7 @@
 
 #include "SettingsKeys.h"
 #include "platform/ChangeNotice.h"
+#include "platform/LeadingNumber.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,22 +17,6 @@ constexpr int kValueBuffer = 260;
 // 16-byte directory entry per image; the first entry is enough to tell an icon from other files.
 constexpr qint64 kIconHeaderBytes = 6;
 constexpr qint64 kIconEntryBytes = 16;
-
-// The leading decimal number of a text, as the C library's atoi reads it: blanks, a sign, digits.
-int atoiValue(QStringView text)
-{
-    qsizetype i = 0;
-    while (i < text.size() && text[i].isSpace())
-        ++i;
-    bool negative = false;
-    if (i < text.size() && (text[i] == u'-' || text[i] == u'+'))
-        negative = text[i++] == u'-';
-    qint64 value = 0;
-    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9' && value <= std::numeric_limits<int>::max(); ++i)
-        value = value * 10 + (text[i].unicode() - u'0');
-    value = qMin<qint64>(value, std::numeric_limits<int>::max());
-    return static_cast<int>(negative ? -value : value);
-}
 
 bool hasIconHeader(const QByteArray& head)
 {
@@ -54,7 +39,7 @@ LogoChoice LogoSettings::read() const
     LogoChoice choice;
     const QString defaultIcon
         = m_ini.readString(Keys::kSettingInfo, Keys::kDefaultIcon, QStringLiteral("1"), kValueBuffer);
-    choice.bDefaultIcon = atoiValue(defaultIcon) == 1;
+    choice.bDefaultIcon = LeadingNumber::decimal(defaultIcon) == 1;
     choice.iconPath = m_ini.readString(Keys::kSettingInfo, Keys::kUserDefineIconPath, QString(), kValueBuffer);
     choice.caption = m_ini.readString(Keys::kSettingInfo, Keys::kCaptionBarName, QString(), kValueBuffer);
     return choice;

@@ -8,15 +8,6 @@
 #include <QFileInfo>
 
 namespace sable::FileBoxHome {
-namespace {
-
-#ifdef Q_OS_WIN
-constexpr Qt::CaseSensitivity kPathCase = Qt::CaseInsensitive;
-#else
-constexpr Qt::CaseSensitivity kPathCase = Qt::CaseSensitive;
-#endif
-
-} // namespace
 
 QString defaultPath(const AppPaths& paths)
 {
@@ -43,10 +34,18 @@ QString relativeFolderPath(const QString& home, const QString& absolutePath)
     const QString path = QDir::cleanPath(QDir::fromNativeSeparators(absolutePath));
     if (path.compare(root, kPathCase) == 0)
         return QStringLiteral("\\");
-    const QString prefix = root.endsWith(u'/') ? root : root + u'/';
-    if (!path.startsWith(prefix, kPathCase))
+    if (!isWithin(path, root))
         return {};
+    const QString prefix = root.endsWith(u'/') ? root : root + u'/';
     return u'\\' + path.mid(prefix.size()).replace(u'/', u'\\');
+}
+
+bool isWithin(const QString& path, const QString& folder)
+{
+    if (path.compare(folder, kPathCase) == 0)
+        return true;
+    const QString prefix = folder.endsWith(u'/') ? folder : folder + u'/';
+    return path.startsWith(prefix, kPathCase);
 }
 
 QString absoluteFolderPath(const QString& home, const QString& folderPath)

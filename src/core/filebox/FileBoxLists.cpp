@@ -1,6 +1,7 @@
 #include "filebox/FileBoxLists.h"
 
 #include "Messages.h"
+#include "filebox/FileBoxHome.h"
 
 #include <algorithm>
 #include <limits>
@@ -37,13 +38,8 @@ const FolderRecord* FileBoxLists::findFolder(int folderId) const
 
 const FolderRecord* FileBoxLists::findFolderByPath(const QString& path) const
 {
-#ifdef Q_OS_WIN
-    constexpr Qt::CaseSensitivity kPathCase = Qt::CaseInsensitive;
-#else
-    constexpr Qt::CaseSensitivity kPathCase = Qt::CaseSensitive;
-#endif
     const auto it = std::find_if(folders.begin(), folders.end(),
-        [&path](const FolderRecord& folder) { return folder.FolderPath.compare(path, kPathCase) == 0; });
+        [&path](const FolderRecord& folder) { return folder.FolderPath.compare(path, FileBoxHome::kPathCase) == 0; });
     return it == folders.end() ? nullptr : &*it;
 }
 

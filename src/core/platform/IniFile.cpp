@@ -2,6 +2,7 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/CodePage949.h"
+#include "platform/LeadingNumber.h"
 #include "platform/SectionedText.h"
 
 #include <optional>
@@ -63,43 +64,6 @@ std::optional<QString> lookUp(const QString& path, const QString& section, const
     return QString::fromUtf8(value);
 }
 
-int digitValue(QChar ch)
-{
-    const char16_t c = ch.toLower().unicode();
-    if (c >= u'0' && c <= u'9')
-        return c - u'0';
-    if (c >= u'a' && c <= u'z')
-        return c - u'a' + 10;
-    return -1;
-}
-
-// Reads a number the way the system's string-to-integer routine does: optional blanks and sign,
-// then decimal digits or a 0x / 0o / 0b prefixed number, stopping at the first other character.
-int leadingNumber(QStringView text)
-{
-    qsizetype i = 0;
-    while (i < text.size() && text[i].isSpace())
-        ++i;
-    bool negative = false;
-    if (i < text.size() && (text[i] == u'-' || text[i] == u'+'))
-        negative = text[i++] == u'-';
-    int base = 10;
-    if (i + 1 < text.size() && text[i] == u'0') {
-        const QChar marker = text[i + 1].toLower();
-        base = marker == u'x' ? 16 : marker == u'o' ? 8 : marker == u'b' ? 2 : 10;
-        if (base != 10)
-            i += 2;
-    }
-    quint32 value = 0;
-    for (; i < text.size(); ++i) {
-        const int digit = digitValue(text[i]);
-        if (digit < 0 || digit >= base)
-            break;
-        value = value * static_cast<quint32>(base) + static_cast<quint32>(digit);
-    }
-    return static_cast<int>(negative ? 0u - value : value);
-}
-
 } // namespace
 
 IniFile::IniFile(QString path)
@@ -118,7 +82,7 @@ int IniFile::readInt(const QString& section, const QString& key, int defaultValu
     const std::optional<QString> value = lookUp(m_path, section, key);
     if (!value || value->isEmpty())
         return defaultValue;
-    return leadingNumber(*value);
+    return LeadingNumber::profileValue(*value);
 }
 
 bool IniFile::writeString(const QString& section, const QString& key, const QString& value) const

@@ -2,6 +2,7 @@
 
 #include "Messages.h"
 #include "widgets/ByteLimitValidator.h"
+#include "widgets/Heading.h"
 #include "widgets/PlainMessageBox.h"
 
 #include <QApplication>
@@ -21,15 +22,6 @@ namespace sable {
 namespace {
 
 constexpr int kPreviewIconSize = 16;
-
-QLabel* heading(const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    QFont font = label->font();
-    font.setBold(true);
-    label->setFont(font);
-    return label;
-}
 
 } // namespace
 
@@ -58,12 +50,12 @@ LogoDialog::LogoDialog(const LogoSettings& settings, QWidget* parent)
     m_caption->setValidator(new ByteLimitValidator(LogoSettings::kMaxCaptionBytes, m_caption));
 
     auto* fields = new QGridLayout;
-    fields->addWidget(heading(Msg::kLogoIconHeading, this), 0, 0, 1, 3);
+    fields->addWidget(makeHeading(Msg::kLogoIconHeading, this), 0, 0, 1, 3);
     fields->addWidget(m_defaultIcon, 1, 0, 1, 3);
     fields->addWidget(m_userIcon, 2, 0, 1, 3);
     fields->addWidget(m_iconPath, 3, 0, 1, 2);
     fields->addWidget(m_browse, 3, 2);
-    fields->addWidget(heading(Msg::kLogoCaptionHeading, this), 4, 0, 1, 3);
+    fields->addWidget(makeHeading(Msg::kLogoCaptionHeading, this), 4, 0, 1, 3);
     fields->addWidget(m_caption, 5, 0);
     fields->addWidget(new QLabel(Msg::kLogoCaptionNote, this), 5, 1, 1, 2);
 
@@ -142,7 +134,7 @@ QWidget* LogoDialog::createPreview()
     auto* frame = new QWidget(this);
     auto* outer = new QVBoxLayout(frame);
     outer->setContentsMargins(0, 0, 0, 0);
-    outer->addWidget(heading(Msg::kLogoPreview, frame));
+    outer->addWidget(makeHeading(Msg::kLogoPreview, frame));
     // A title bar as the clients draw theirs: icon, then the caption in bold on the accent colour.
     auto* bar = new QWidget(frame);
     bar->setObjectName(QStringLiteral("captionPreview"));
@@ -158,9 +150,7 @@ QWidget* LogoDialog::createPreview()
     m_previewIcon->setFixedSize(kPreviewIconSize, kPreviewIconSize);
     m_previewCaption = new QLabel(bar);
     m_previewCaption->setObjectName(QStringLiteral("previewCaption"));
-    QFont font = m_previewCaption->font();
-    font.setBold(true);
-    m_previewCaption->setFont(font);
+    m_previewCaption->setFont(boldFont(m_previewCaption->font()));
     row->addWidget(m_previewIcon);
     row->addWidget(m_previewCaption, 1);
     outer->addWidget(bar);

@@ -5,6 +5,7 @@
 #include "filebox/ChartSourcePane.h"
 #include "filebox/FolderPane.h"
 #include "filebox/FolderPermissionModel.h"
+#include "widgets/Heading.h"
 
 #include <QHeaderView>
 #include <QLabel>
@@ -27,12 +28,8 @@ CSableboxFolderFormView::CSableboxFolderFormView(CSableManagerDoc& doc, HomeSour
     QTableView* list = createPermissionList(m_model, FolderPermissionModel::ColLevel, middle);
     list->setColumnWidth(FolderPermissionModel::ColGrantee, 130);
     list->setColumnWidth(FolderPermissionModel::ColKind, 48);
-    auto* heading = new QLabel(Msg::kFolderPermissionsHeading, middle);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
     auto* bar = new QHBoxLayout;
-    bar->addWidget(heading);
+    bar->addWidget(makeHeading(Msg::kFolderPermissionsHeading, middle));
     bar->addWidget(m_folderLabel, 1);
     auto* middleLayout = new QVBoxLayout(middle);
     middleLayout->setContentsMargins(0, 0, 0, 0);

@@ -5,6 +5,7 @@
 #include "filebox/ChartSourcePane.h"
 #include "filebox/FolderPane.h"
 #include "filebox/GranteePermissionModel.h"
+#include "widgets/Heading.h"
 
 #include <QLabel>
 #include <QMenu>
@@ -42,12 +43,8 @@ CSableboxUserFormView::CSableboxUserFormView(CSableManagerDoc& doc, HomeSource h
     QTableView* list = createPermissionList(m_model, GranteePermissionModel::ColLevel, middle);
     list->setColumnWidth(GranteePermissionModel::ColFolder, 120);
     list->setColumnWidth(GranteePermissionModel::ColLevel, 64);
-    auto* heading = new QLabel(Msg::kGranteePermissionsHeading, middle);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
     auto* bar = new QHBoxLayout;
-    bar->addWidget(heading);
+    bar->addWidget(makeHeading(Msg::kGranteePermissionsHeading, middle));
     bar->addWidget(m_granteeLabel, 1);
     auto* middleLayout = new QVBoxLayout(middle);
     middleLayout->setContentsMargins(0, 0, 0, 0);

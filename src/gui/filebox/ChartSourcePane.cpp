@@ -5,6 +5,7 @@
 #include "orgchart/MemberFilterModel.h"
 #include "orgchart/MemberListModel.h"
 #include "orgchart/OrgTreeModel.h"
+#include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
 #include <QHeaderView>
@@ -25,12 +26,8 @@ QWidget* titled(const QString& title, QWidget* content, QWidget* extra, QWidget*
     auto* box = new QWidget(parent);
     auto* layout = new QVBoxLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto* label = new QLabel(title, box);
-    QFont bold = label->font();
-    bold.setBold(true);
-    label->setFont(bold);
     auto* bar = new QHBoxLayout;
-    bar->addWidget(label);
+    bar->addWidget(makeHeading(title, box));
     if (extra)
         bar->addWidget(extra, 1);
     layout->addLayout(bar);

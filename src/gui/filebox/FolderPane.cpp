@@ -4,6 +4,7 @@
 #include "document/CSableManagerDoc.h"
 #include "filebox/FileBoxHome.h"
 #include "filebox/FolderTreeModel.h"
+#include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
 #include <QDir>
@@ -15,25 +16,14 @@
 #include <QVBoxLayout>
 
 namespace sable {
-namespace {
-
-QLabel* heading(const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    QFont bold = label->font();
-    bold.setBold(true);
-    label->setFont(bold);
-    return label;
-}
-
-} // namespace
+namespace { } // namespace
 
 FolderPane::FolderPane(CSableManagerDoc& doc, MissingFolders missing, QWidget* parent)
     : QWidget(parent)
     , m_doc(doc)
     , m_model(new FolderTreeModel(this))
     , m_tree(new QTreeView(this))
-    , m_missingTitle(heading(Msg::kMissingFoldersTitle, this))
+    , m_missingTitle(makeHeading(Msg::kMissingFoldersTitle, this))
     , m_missing(new QListWidget(this))
     , m_bShowMissing(missing == MissingFolders::Shown)
 {
@@ -50,7 +40,7 @@ FolderPane::FolderPane(CSableManagerDoc& doc, MissingFolders missing, QWidget* p
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(heading(Msg::kFolderTreeTitle, this));
+    layout->addWidget(makeHeading(Msg::kFolderTreeTitle, this));
     layout->addWidget(m_tree, 1);
     layout->addWidget(m_missingTitle);
     layout->addWidget(m_missing);

@@ -1,6 +1,7 @@
 #include "filebox/FolderTreeModel.h"
 
 #include "filebox/FileBoxHome.h"
+#include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
 #include <QDir>
@@ -9,24 +10,7 @@
 #include <QMimeData>
 
 namespace sable {
-namespace {
-
-#ifdef Q_OS_WIN
-constexpr Qt::CaseSensitivity kPathCase = Qt::CaseInsensitive;
-#else
-constexpr Qt::CaseSensitivity kPathCase = Qt::CaseSensitive;
-#endif
-
-// Whether `path` lies within `folder` (or is it); both cleaned, with '/' separators.
-bool isWithin(const QString& path, const QString& folder)
-{
-    if (path.compare(folder, kPathCase) == 0)
-        return true;
-    const QString prefix = folder.endsWith(u'/') ? folder : folder + u'/';
-    return path.startsWith(prefix, kPathCase);
-}
-
-} // namespace
+namespace { } // namespace
 
 FolderTreeModel::FolderTreeModel(QObject* parent)
     : QSortFilterProxyModel(parent)
@@ -98,9 +82,7 @@ QVariant FolderTreeModel::data(const QModelIndex& index, int role) const
     case Qt::FontRole: {
         if (!m_marked.contains(folderPath(index)))
             return {};
-        QFont bold;
-        bold.setBold(true);
-        return bold;
+        return boldFont();
     }
     default:
         return QSortFilterProxyModel::data(index, role);
@@ -157,7 +139,7 @@ bool FolderTreeModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceP
         return false;
     // Only the home folder, what lies below it, and the folders above it that lead there.
     const QString path = QDir::cleanPath(m_fileSystem->filePath(m_fileSystem->index(sourceRow, 0, sourceParent)));
-    return isWithin(path, m_home) || isWithin(m_home, path);
+    return FileBoxHome::isWithin(path, m_home) || FileBoxHome::isWithin(m_home, path);
 }
 
 bool FolderTreeModel::filterAcceptsColumn(int sourceColumn, const QModelIndex&) const

@@ -2,6 +2,7 @@
 
 #include "Messages.h"
 #include "widgets/BalloonTip.h"
+#include "widgets/Heading.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -43,10 +44,7 @@ SableBoxSettingsDialog::SableBoxSettingsDialog(FileBoxServerSettings settings, Q
     , m_settings(std::move(settings))
 {
     setWindowTitle(Msg::kFileBoxSettingsTitle);
-    auto* heading = new QLabel(Msg::kFileBoxSettingsHeading, this);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
+    QLabel* heading = makeHeading(Msg::kFileBoxSettingsHeading, this);
     auto* intro = new QLabel(Msg::kFileBoxSettingsIntro, this);
 
     auto* buttons = new QDialogButtonBox(this);

@@ -1,7 +1,6 @@
 #include "mainwindow/CMainFrame.h"
 
 #include "Messages.h"
-#include "clientsettings/ClientSettingsCommands.h"
 #include "document/CReadDBThread.h"
 #include "filebox/CSableboxFolderFormView.h"
 #include "filebox/CSableboxUserFormView.h"

@@ -8,6 +8,7 @@
 #include "orgchart/MemberListModel.h"
 #include "orgchart/OrgTreeModel.h"
 #include "widgets/BalloonTip.h"
+#include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
 #include <QAction>
@@ -33,15 +34,6 @@ constexpr int kSearchDelayMs = 250;
 // Starting widths of the member list's columns; the solar-calendar column is kept out of sight.
 constexpr int kColumnWidths[MemberColumnCount] = {96, 80, 80, 52, 64, 170, 110, 110, 200, 110, 90, 200, 0, 64};
 
-QLabel* heading(const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    QFont bold = label->font();
-    bold.setBold(true);
-    label->setFont(bold);
-    return label;
-}
-
 } // namespace
 
 COrganizeFormView::COrganizeFormView(CSableManagerDoc& doc, QWidget* parent)
@@ -61,13 +53,13 @@ COrganizeFormView::COrganizeFormView(CSableManagerDoc& doc, QWidget* parent)
     auto* left = new QWidget(splitter);
     auto* leftLayout = new QVBoxLayout(left);
     leftLayout->setContentsMargins(0, 0, 0, 0);
-    leftLayout->addWidget(heading(Msg::kTreeTitle, left));
+    leftLayout->addWidget(makeHeading(Msg::kTreeTitle, left));
     leftLayout->addWidget(m_tree);
     auto* right = new QWidget(splitter);
     auto* rightLayout = new QVBoxLayout(right);
     rightLayout->setContentsMargins(0, 0, 0, 0);
     auto* bar = new QHBoxLayout;
-    bar->addWidget(heading(Msg::kMemberListTitle, right));
+    bar->addWidget(makeHeading(Msg::kMemberListTitle, right));
     bar->addStretch(1);
     bar->addWidget(m_search, 2);
     bar->addWidget(m_noDepartment);

@@ -6,6 +6,7 @@
 #include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/RankModels.h"
 #include "widgets/BalloonTip.h"
+#include "widgets/Heading.h"
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -53,11 +54,7 @@ QWidget* titled(const QString& title, QWidget* content, QWidget* parent)
     auto* box = new QWidget(parent);
     auto* layout = new QVBoxLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto* label = new QLabel(title, box);
-    QFont bold = label->font();
-    bold.setBold(true);
-    label->setFont(bold);
-    layout->addWidget(label);
+    layout->addWidget(makeHeading(title, box));
     layout->addWidget(content);
     return box;
 }

@@ -2,6 +2,7 @@
 
 #include "document/CSableManagerDoc.h"
 #include "document/ChartEdits.h"
+#include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
 #include <QFont>
@@ -83,9 +84,7 @@ QVariant OrgTreeModel::data(const QModelIndex& index, int role) const
     }
     case Qt::FontRole:
         if (node == m_chart.rootGroup()) {
-            QFont bold;
-            bold.setBold(true);
-            return bold;
+            return boldFont();
         }
         return {};
     case Qt::ToolTipRole:

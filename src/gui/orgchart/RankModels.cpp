@@ -3,6 +3,7 @@
 #include "Messages.h"
 #include "document/CSableManagerDoc.h"
 #include "document/RankEdits.h"
+#include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
 #include <QFont>
@@ -75,9 +76,7 @@ QVariant RankTreeModel::data(const QModelIndex& index, int role) const
     case Qt::FontRole: {
         if (rank >= 0)
             return {};
-        QFont bold;
-        bold.setBold(true);
-        return bold;
+        return boldFont();
     }
     default:
         return {};

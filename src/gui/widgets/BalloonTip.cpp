@@ -1,5 +1,7 @@
 #include "widgets/BalloonTip.h"
 
+#include "widgets/Heading.h"
+
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMouseEvent>
@@ -64,11 +66,7 @@ BalloonTip::BalloonTip(QWidget* anchor, Balloon balloon)
     layout->addWidget(icon, 0, 0, 2, 1, Qt::AlignTop);
     int row = 0;
     if (!m_balloon.title.isEmpty()) {
-        auto* title = new QLabel(m_balloon.title, this);
-        QFont bold = title->font();
-        bold.setBold(true);
-        title->setFont(bold);
-        layout->addWidget(title, row++, 1);
+        layout->addWidget(makeHeading(m_balloon.title, this), row++, 1);
     }
     auto* text = new QLabel(m_balloon.text, this);
     text->setObjectName(QStringLiteral("BalloonText"));
