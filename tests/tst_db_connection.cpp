@@ -300,6 +300,11 @@ void TestDbConnection::schemaNeverTouchesExistingTables()
     QCOMPARE(db.execute(QStringLiteral("SELECT Extra FROM SD_Rank")).fieldInt(0), 1);
     QCOMPARE(DbSchema::createMissingTables(db, &ok), QStringList());
     QVERIFY(!DbSchema::hasRankOrderColumn(db));
+    // The cascade's lookups were indexed with the tables; asked again, nothing is added.
+    QCOMPARE(DbSchema::createMissingIndexes(db, &ok), QStringList());
+    QVERIFY(ok);
+    QVERIFY(db.executeNoRecords(QStringLiteral("DROP INDEX IX_SD_Antenna_Other")));
+    QCOMPARE(DbSchema::createMissingIndexes(db, &ok), QStringList {QStringLiteral("IX_SD_Antenna_Other")});
 }
 
 QTEST_GUILESS_MAIN(TestDbConnection)

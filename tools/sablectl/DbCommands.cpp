@@ -76,6 +76,12 @@ int initDatabase(Context& context, QStringList args)
     if (!ok)
         return context.fail(QStringLiteral("cannot create the tables\n") + DbConnection::lastError());
     context.out << "created: " << (created.isEmpty() ? QStringLiteral("(none)") : created.join(u' ')) << '\n';
+    // Databases made before the lookups of the save's deletion cascade were indexed get the indexes.
+    const QStringList indexes = DbSchema::createMissingIndexes(connection, &ok);
+    if (!ok)
+        return context.fail(QStringLiteral("cannot create the indexes\n") + DbConnection::lastError());
+    if (!indexes.isEmpty())
+        context.out << "indexes created: " << indexes.join(u' ') << '\n';
     if (demo) {
         if (!DemoOrganisation::isChartEmpty(connection)) {
             context.out << "demo: the chart is not empty, left as it is" << Qt::endl;

@@ -6,6 +6,8 @@
 #include <QSqlDriver>
 #include <QSqlRecord>
 
+#include <optional>
+
 namespace sable::DbSchema {
 namespace {
 
@@ -88,6 +90,54 @@ QString createStatement(const Table& table, Dialect dialect)
     return QStringLiteral("CREATE TABLE %1 (%2)").arg(QLatin1String(table.name), columns.join(QStringLiteral(", ")));
 }
 
+struct Index
+{
+    const char* name;
+    const char* table;
+    const char* column;
+};
+
+const std::vector<Index>& indexes()
+{
+    static const std::vector<Index> all = {
+        {"IX_SD_Relation_Group", "SD_Relation", "K_GroupID"},
+        {"IX_SD_Antenna_Member", "SD_Antenna", "K_MemberID"},
+        {"IX_SD_Antenna_Other", "SD_Antenna", "K_MemberID_O"},
+        {"IX_SD_MyMember_Member", "SD_MyMember", "K_MemberID"},
+        {"IX_SD_MyMember_Other", "SD_MyMember", "K_MemberID_O"},
+        {"IX_SD_MyGroup_Member", "SD_MyGroup", "K_MemberID"},
+        {"IX_SD_LeavedMemo_Member", "SD_LeavedMemo", "K_MemberID"},
+    };
+    return all;
+}
+
+// The names of the indexes the database holds, in lower case; nullopt where the engine's catalogue
+// is not known.
+std::optional<QStringList> existingIndexNames(DbConnection& connection, Dialect dialect)
+{
+    QString sql;
+    switch (dialect) {
+    case Dialect::Sqlite:
+        sql = QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'index'");
+        break;
+    case Dialect::PostgreSql:
+        sql = QStringLiteral("SELECT indexname FROM pg_indexes WHERE schemaname = current_schema()");
+        break;
+    case Dialect::SqlServer:
+        sql = QStringLiteral("SELECT name FROM sys.indexes WHERE name IS NOT NULL");
+        break;
+    case Dialect::Other:
+        return std::nullopt;
+    }
+    DbRecordset rows = connection.execute(sql);
+    if (!rows.isValid())
+        return std::nullopt;
+    QStringList names;
+    for (; !rows.isEof(); rows.moveNext())
+        names << rows.fieldText(0).toLower();
+    return names;
+}
+
 } // namespace
 
 const QStringList& tableNames()
@@ -144,6 +194,30 @@ QStringList createMissingTables(DbConnection& connection, bool* ok)
         if (present.contains(name))
             continue;
         if (!connection.executeNoRecords(createStatement(table, dialect))) {
+            *ok = false;
+            return created;
+        }
+        created << name;
+    }
+    createMissingIndexes(connection, ok);
+    return created;
+}
+
+QStringList createMissingIndexes(DbConnection& connection, bool* ok)
+{
+    *ok = connection.isOpen();
+    QStringList created;
+    const std::optional<QStringList> present
+        = *ok ? existingIndexNames(connection, dialectOf(connection)) : std::nullopt;
+    if (!present)
+        return created;
+    const QStringList tablesPresent = existingTables(connection);
+    for (const Index& index : indexes()) {
+        const QString name = QLatin1String(index.name);
+        if (present->contains(name.toLower()) || !tablesPresent.contains(QLatin1String(index.table)))
+            continue;
+        if (!connection.executeNoRecords(QStringLiteral("CREATE INDEX %1 ON %2 (%3)")
+                                             .arg(name, QLatin1String(index.table), QLatin1String(index.column)))) {
             *ok = false;
             return created;
         }

@@ -27,9 +27,16 @@ Dialect dialectOf(const DbConnection& connection);
 // The tables of tableNames() that `connection` holds (compared without regard to case).
 QStringList existingTables(const DbConnection& connection);
 
-// Creates the tables that are missing and never touches one that exists. Returns the names created;
-// `ok` is false when a statement failed (the last-error text tells why).
+// Creates the tables that are missing and never touches one that exists, then the missing indexes.
+// Returns the names of the tables created; `ok` is false when a statement failed (the last-error
+// text tells why).
 QStringList createMissingTables(DbConnection& connection, bool* ok);
+
+// Creates the indexes the save's deletion cascade looks rows up by (the member columns of the
+// server's per-user tables, the department column of the memberships) where they are missing;
+// tables and columns stay as they are. Returns the names created. Engines whose catalogue cannot be
+// asked portably (Access and other ODBC sources) get none.
+QStringList createMissingIndexes(DbConnection& connection, bool* ok);
 
 // The columns of `table` (named without regard to case). Engines that fold unquoted names to lower
 // case find the table only under the name they list it by.

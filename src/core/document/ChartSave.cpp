@@ -33,9 +33,16 @@ bool writeAll(DbConnection& db, const CSableManagerDoc& doc, const IniFile& sett
 
 bool ChartSave::writeTables(DbConnection& db, const CSableManagerDoc& doc)
 {
+    // The memberships of a department that exists now were just written: a deleted department's
+    // number in the list must not take them away again.
+    QList<int> deletedGroups;
+    for (const int groupId : doc.deletedGroups()) {
+        if (!doc.chart().findGroup(groupId))
+            deletedGroups << groupId;
+    }
     return ChartStore::write(db, doc.chart()) && RankStore::store(db, doc.ranks())
         && FileBoxStore::store(db, doc.fileBox())
-        && ChartStore::runDeletionCascade(db, doc.deletedMembers(), doc.deletedGroups());
+        && ChartStore::runDeletionCascade(db, doc.deletedMembers(), deletedGroups);
 }
 
 int ChartSave::nextVersion(int current)

@@ -4,10 +4,24 @@
 #include "db/DbConnection.h"
 #include "orgchart/ChartRows.h"
 
+#include <functional>
+
 namespace sable::ChartStore {
 namespace {
 
 using Text = BatchInserter;
+
+// Identifiers per statement of the deletion cascade: twice this many parameters stay within what
+// every engine takes in one statement.
+constexpr qsizetype kCascadeBatch = 500;
+
+QString placeholders(qsizetype count)
+{
+    QString list = QStringLiteral("(");
+    for (qsizetype i = 0; i < count; ++i)
+        list += i == 0 ? QStringLiteral("?") : QStringLiteral(",?");
+    return list + u')';
+}
 
 bool writeGroups(DbConnection& connection, const OrgChart& chart)
 {
@@ -62,24 +76,30 @@ bool write(DbConnection& connection, const OrgChart& chart)
 
 bool runDeletionCascade(DbConnection& connection, const QList<int>& deletedMembers, const QList<int>& deletedGroups)
 {
-    for (const int m : deletedMembers) {
-        // The buddy-list statement runs twice, as the server's own tools always ran it.
-        const bool ok = connection.executeNoRecords(
-                            QStringLiteral("DELETE FROM SD_Antenna WHERE K_MemberID = ? OR K_MemberID_O = ? "), {m, m})
+    // A few statements for any number of identifiers: each statement takes a batch of them, and the
+    // member columns are indexed, so removing thousands of users costs about as much as a few.
+    const auto each = [](const QList<int>& ids, const std::function<bool(const QString&, const QVariantList&)>& run) {
+        for (qsizetype first = 0; first < ids.size(); first += kCascadeBatch) {
+            const QList<int> batch = ids.mid(first, kCascadeBatch);
+            QVariantList values;
+            for (const int id : batch)
+                values << id;
+            if (!run(placeholders(batch.size()), values))
+                return false;
+        }
+        return true;
+    };
+    const bool members = each(deletedMembers, [&connection](const QString& in, const QVariantList& ids) {
+        return connection.executeNoRecords(
+                   u"DELETE FROM SD_Antenna WHERE K_MemberID IN " % in % u" OR K_MemberID_O IN " % in, ids + ids)
             && connection.executeNoRecords(
-                QStringLiteral("DELETE FROM SD_Antenna WHERE K_MemberID = ? OR K_MemberID_O = ? "), {m, m})
-            && connection.executeNoRecords(
-                QStringLiteral("DELETE FROM SD_MyMember WHERE K_MemberID = ? OR K_MemberID_O = ? "), {m, m})
-            && connection.executeNoRecords(QStringLiteral("DELETE FROM SD_MyGroup WHERE K_MemberID = ? "), {m})
-            && connection.executeNoRecords(QStringLiteral("DELETE FROM SD_LeavedMemo WHERE K_MemberID = ?"), {m});
-        if (!ok)
-            return false;
-    }
-    for (const int g : deletedGroups) {
-        if (!connection.executeNoRecords(QStringLiteral("DELETE FROM SD_Relation WHERE K_GroupID = ? "), {g}))
-            return false;
-    }
-    return true;
+                u"DELETE FROM SD_MyMember WHERE K_MemberID IN " % in % u" OR K_MemberID_O IN " % in, ids + ids)
+            && connection.executeNoRecords(u"DELETE FROM SD_MyGroup WHERE K_MemberID IN " % in, ids)
+            && connection.executeNoRecords(u"DELETE FROM SD_LeavedMemo WHERE K_MemberID IN " % in, ids);
+    });
+    return members && each(deletedGroups, [&connection](const QString& in, const QVariantList& ids) {
+        return connection.executeNoRecords(u"DELETE FROM SD_Relation WHERE K_GroupID IN " % in, ids);
+    });
 }
 
 } // namespace sable::ChartStore

@@ -14,7 +14,7 @@ namespace ChartStore {
 bool write(DbConnection& connection, const OrgChart& chart);
 
 // Removes what the server keeps of deleted members (their lists, their stored memos) and the
-// memberships of deleted departments.
+// memberships of deleted departments. The caller leaves out departments that exist at the save.
 bool runDeletionCascade(DbConnection& connection, const QList<int>& deletedMembers, const QList<int>& deletedGroups);
 
 } // namespace ChartStore

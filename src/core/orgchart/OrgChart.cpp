@@ -77,6 +77,8 @@ void OrgChart::swapContents(OrgChart& other)
     std::swap(m_groupIdUses, other.m_groupIdUses);
     std::swap(m_placements, other.m_placements);
     std::swap(m_groupCount, other.m_groupCount);
+    std::swap(m_highestGroupId, other.m_highestGroupId);
+    std::swap(m_highestMemberId, other.m_highestMemberId);
     std::swap(m_placementCount, other.m_placementCount);
     std::swap(m_members, other.m_members);
     std::swap(m_rowById, other.m_rowById);
@@ -158,10 +160,7 @@ QString OrgChart::departmentPath(const OrgNode* node) const
 
 int OrgChart::nextGroupId() const
 {
-    int greatest = 1;
-    for (auto it = m_groupsById.cbegin(); it != m_groupsById.cend(); ++it)
-        greatest = std::max(greatest, it.key());
-    return greatest == std::numeric_limits<int>::max() ? -2 : greatest + 1;
+    return m_highestGroupId == std::numeric_limits<int>::max() ? -2 : m_highestGroupId + 1;
 }
 
 void OrgChart::forEachNode(const std::function<void(OrgNode*)>& visit) const
@@ -198,10 +197,7 @@ const MemberRecord* OrgChart::findMember(int memberId) const
 
 int OrgChart::nextMemberId() const
 {
-    int greatest = 0;
-    for (const MemberRecord& member : m_members)
-        greatest = std::max(greatest, member.K_MemberID);
-    return greatest + 1;
+    return m_highestMemberId + 1;
 }
 
 // --- Tree primitives -------------------------------------------------------------------------------
@@ -300,6 +296,7 @@ void OrgChart::registerSubtree(OrgNode* node, std::vector<int>* gainedMembers)
         if (current->isGroup()) {
             ++m_groupCount;
             ++m_groupIdUses[current->groupId()];
+            m_highestGroupId = std::max(m_highestGroupId, current->groupId());
             if (!m_groupsById.contains(current->groupId()))
                 m_groupsById.insert(current->groupId(), current);
             return;
@@ -354,6 +351,7 @@ void OrgChart::unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers)
 void OrgChart::insertMember(int row, MemberRecord member)
 {
     row = std::clamp(row, 0, memberCount());
+    noteMemberId(member.K_MemberID);
     notify([&](OrgChartListener& l) { l.membersAboutToBeInserted(row, row); });
     m_members.insert(m_members.begin() + row, std::move(member));
     reindexMembers();
@@ -363,6 +361,7 @@ void OrgChart::insertMember(int row, MemberRecord member)
 
 void OrgChart::appendMemberQuietly(MemberRecord member)
 {
+    noteMemberId(member.K_MemberID);
     if (!m_rowById.contains(member.K_MemberID))
         m_rowById.insert(member.K_MemberID, memberCount());
     m_members.push_back(std::move(member));
@@ -419,6 +418,8 @@ std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
 
 void OrgChart::insertMembers(const std::vector<int>& rows, std::vector<MemberRecord> members)
 {
+    for (const MemberRecord& member : members)
+        noteMemberId(member.K_MemberID);
     const auto ranges = contiguousRanges(rows);
     if (ranges.size() > kMaxSeparateRanges) {
         notify([](OrgChartListener& l) { l.memberListAboutToReset(); });
@@ -454,6 +455,7 @@ void OrgChart::setMember(int row, const MemberRecord& member)
     MemberRecord& current = m_members[static_cast<size_t>(row)];
     const bool treeShowsIt = current.MemberName != member.MemberName || current.Gender != member.Gender;
     const int oldId = current.K_MemberID;
+    noteMemberId(member.K_MemberID);
     current = member;
     if (oldId != member.K_MemberID)
         reindexMembers();

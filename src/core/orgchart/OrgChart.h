@@ -62,8 +62,10 @@ public:
     // "본사/영업부/1팀": the names of the departments from the top down to `node`'s department.
     QString departmentPath(const OrgNode* node) const;
 
-    // The identifier a new department gets: the greatest K_GroupID in the tree, taken as at least 1,
-    // plus one; -2 when that overflows.
+    // The identifier a new department gets: the greatest K_GroupID the tree has held since its
+    // contents were last replaced, taken as at least 1, plus one; -2 when that overflows. A number
+    // freed by a deletion is not handed out again before the next load, so nothing the save's
+    // deletion cascade removes for the old department can reach a new one.
     int nextGroupId() const;
 
     // Pre-order walks from the top, as the chart is saved.
@@ -80,7 +82,8 @@ public:
     const MemberRecord* findMember(int memberId) const;
     // Whether the member sits in at least one department (members in none are shown faded).
     bool hasPlacement(int memberId) const { return !placementsOf(memberId).empty(); }
-    // The K_MemberID a new member gets: the greatest in the list plus one (1 for an empty list).
+    // The K_MemberID a new member gets: the greatest the list has held since its contents were last
+    // replaced, plus one (1 for an empty list); as with departments, a freed number stays unused.
     int nextMemberId() const;
 
     // --- Primitives ---------------------------------------------------------------------------------
@@ -111,6 +114,7 @@ private:
     void unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers);
     void renumber(OrgNode* parent, int from);
     void reindexMembers();
+    void noteMemberId(int memberId) { m_highestMemberId = std::max(m_highestMemberId, memberId); }
     void notifyMembersChanged(const std::vector<int>& memberIds);
     void notifyPlacementsChanged(int memberId);
     template <typename F>
@@ -121,6 +125,8 @@ private:
     QHash<int, int> m_groupIdUses; // departments per identifier; more than one is rare
     std::unordered_map<int, std::vector<OrgNode*>> m_placements;
     int m_groupCount = 0;
+    int m_highestGroupId = 1;
+    int m_highestMemberId = 0;
     int m_placementCount = 0;
     std::vector<MemberRecord> m_members;
     QHash<int, int> m_rowById;

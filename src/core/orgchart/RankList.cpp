@@ -30,14 +30,12 @@ int RankList::indexOfName(const QString& name) const
 
 int RankList::nextRankId() const
 {
-    int greatest = 0;
-    for (const RankRecord& rank : m_ranks)
-        greatest = std::max(greatest, rank.K_RankID);
-    return greatest == std::numeric_limits<int>::max() ? -1 : greatest + 1;
+    return m_highestRankId == std::numeric_limits<int>::max() ? -1 : m_highestRankId + 1;
 }
 
 void RankList::insert(int index, RankRecord rank)
 {
+    m_highestRankId = std::max(m_highestRankId, rank.K_RankID);
     m_ranks.insert(m_ranks.begin() + std::clamp(index, 0, count()), std::move(rank));
     reindex();
 }
@@ -66,6 +64,7 @@ void RankList::clear()
 {
     m_ranks.clear();
     m_positionById.clear();
+    m_highestRankId = 0;
     m_revision = Revision::next();
 }
 

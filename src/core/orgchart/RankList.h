@@ -30,7 +30,8 @@ public:
     QString nameOf(int rankId) const;
     // The index of the rank with that name (names compare exactly), or -1.
     int indexOfName(const QString& name) const;
-    // The identifier a new rank gets: the greatest plus one (1 for an empty list), -1 on overflow.
+    // The identifier a new rank gets: the greatest the list has held since it was last cleared or
+    // replaced, plus one (1 for an empty list), -1 on overflow. Freed numbers are not handed out again.
     int nextRankId() const;
     // Changes with every change of the list; no two lists share one (see OrgChart::revision).
     quint64 revision() const { return m_revision; }
@@ -47,6 +48,7 @@ private:
     std::vector<RankRecord> m_ranks;
     QHash<int, int> m_positionById;
     quint64 m_revision = 0;
+    int m_highestRankId = 0;
 };
 
 } // namespace sable
