@@ -505,7 +505,7 @@ void TestChartEdits::undoAcrossSave()
     smallChart(doc);
     ChartEdits edits(doc);
     edits.renameDepartment(doc.chart().findGroup(2), QStringLiteral("개발팀"));
-    doc.markSaved();
+    doc.markSaved({});
     QVERIFY(!doc.isModified());
     edits.deleteUsers({2}, kYes);
     doc.history().undo();

@@ -18,7 +18,7 @@ const AskYesNo kYes = [](const QString&) { return true; };
 // Everything a save writes, the deletion lists and the modified flag.
 QByteArray snapshot(const CSableManagerDoc& doc)
 {
-    QByteArray out = ChartJson::write(doc);
+    QByteArray out = ChartJson::write(doc.tables());
     for (const int id : doc.deletedMembers())
         out += " dm" + QByteArray::number(id);
     for (const int id : doc.deletedGroups())

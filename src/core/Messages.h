@@ -197,10 +197,15 @@ inline const QString kDownloading = QStringLiteral("업그레이드 프로그램
 inline const QString kDownloadFailed = QStringLiteral("업그레이드 프로그램을 받지 못했습니다.\n%1");
 inline const QString kStopLoading = QStringLiteral("중지");
 inline const QString kSaving = QStringLiteral("조직도를 저장하고 있습니다...");
-inline const QString kSaveSummary = QStringLiteral("데이터베이스와 비교한 변경 내용:\n"
+inline const QString kSaveSummary = QStringLiteral("마지막으로 읽거나 저장한 뒤의 변경 내용:\n"
                                                    "부서: 추가 %1, 변경 %2, 삭제 %3\n"
                                                    "사용자: 추가 %4, 변경 %5, 삭제 %6\n"
                                                    "소속: 추가 %7, 변경 %8, 삭제 %9");
+inline const QString kSaveSummaryRanks = QStringLiteral("직급: 추가 %1, 이름 변경 %2, 순서 변경 %3, 삭제 %4");
+inline const QString kSaveSummaryPermissions = QStringLiteral("폴더 권한: 부여 %1, 변경 %2, 삭제 %3");
+inline const QString kSaveSummaryCheck
+    = QStringLiteral("저장하기 전에 데이터베이스를 다시 읽어 비교하고, 그 사이 다른 곳에서 저장한 내용이 있으면 "
+                     "합칠지 묻습니다.");
 
 // The start page
 inline const QString kStartServices = QStringLiteral("서버 서비스");
@@ -505,5 +510,43 @@ inline const QString kOpenFolderFailed = QStringLiteral("폴더를 열지 못했
 inline const QString kStepSetPermission = QStringLiteral("권한 지정: %1");
 inline const QString kStepAddPermission = QStringLiteral("권한 추가: %1");
 inline const QString kStepDeletePermission = QStringLiteral("권한 삭제 (%1개)");
+
+// Saves that meet: the tables and fields as the comparison and the merge name them
+inline const QString kTableGroups = QStringLiteral("부서");
+inline const QString kTableMembers = QStringLiteral("사용자");
+inline const QString kTableRelations = QStringLiteral("소속");
+inline const QString kTableRanks = QStringLiteral("직급");
+inline const QString kTableFolders = QStringLiteral("폴더");
+inline const QString kTableGroupAuthorities = QStringLiteral("부서 권한");
+inline const QString kTableUserAuthorities = QStringLiteral("사용자 권한");
+inline const QString kFieldName = QStringLiteral("이름");
+inline const QString kFieldParent = QStringLiteral("상위 부서");
+inline const QString kFieldOrder = QStringLiteral("순서");
+inline const QString kFieldRank = QStringLiteral("직급");
+inline const QString kFieldPath = QStringLiteral("경로");
+inline const QString kFieldLevel = QStringLiteral("권한");
+inline const QString kMemberName = QStringLiteral("%1 (%2)");
+inline const QString kRelationName = QStringLiteral("%1 - %2");
+inline const QString kAuthorityName = QStringLiteral("%1: %2");
+inline const QString kUnknownRow = QStringLiteral("#%1");
+inline const QString kTopLevel = QStringLiteral("(최상위)");
+inline const QString kJournalAdded = QStringLiteral("추가");
+inline const QString kStepMerge = QStringLiteral("다른 곳의 저장과 합치기");
+inline const QString kMergePasswordHidden = QStringLiteral("(비밀번호)");
+inline const QString kMergeRemoved = QStringLiteral("삭제됨");
+inline const QString kMergeStillUsed = QStringLiteral("계속 쓰임");
+inline const QString kMergeOrderMine = QStringLiteral("이 콘솔의 순서");
+inline const QString kMergeOrderTheirs = QStringLiteral("데이터베이스의 순서");
+inline const QString kRestorePointChangeLine = QStringLiteral("%1: 추가 %2, 변경 %3, 삭제 %4");
+inline const QString kSaveRestoreFolderFailed = QStringLiteral(
+    "복원 지점을 남길 폴더에 쓸 수 없어 저장하지 않았습니다.\n%1\n폴더의 권한과 디스크 공간을 확인하세요.");
+inline const QString kSaveSettingsNotWritable
+    = QStringLiteral("설정 파일에 쓸 수 없어 저장하지 않았습니다.\n%1\n파일이 잠겨 있거나, 그 자리에 폴더가 있거나, "
+                     "디스크가 가득 찼는지 확인하세요.");
+inline const QString kSaveJournalFailed = QStringLiteral("변경 기록 테이블을 만들 수 없어 저장하지 않았습니다.\n%1");
+inline const QString kSaveDuplicateLoginId = QStringLiteral(
+    "아이디 \"%1\"을(를) 쓰는 사용자가 둘 이상 있어 저장할 수 없습니다. 한 사용자의 아이디를 바꾸세요.");
+inline const QString kJournalChanged = QStringLiteral("변경");
+inline const QString kJournalRemoved = QStringLiteral("삭제");
 
 } // namespace sable::Msg

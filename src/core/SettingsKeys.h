@@ -66,6 +66,9 @@ inline const QString kSupervisorUrl = QStringLiteral("SupervisorURL");
 inline const QString kSupervisorUser = QStringLiteral("SupervisorUser");
 inline const QString kSupervisorPassword = QStringLiteral("SupervisorPassword");
 
+// How many restore points a server folder keeps (under kSableManager, a number).
+inline const QString kRestorePointsKept = QStringLiteral("RestorePointsKept");
+
 // The file-box server's passive-mode port range (values under kSableBoxServer, 32-bit numbers).
 inline const QString kCustomPasvMinPort = QStringLiteral("Custom PASV min port");
 inline const QString kCustomPasvMaxPort = QStringLiteral("Custom PASV max port");

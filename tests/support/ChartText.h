@@ -30,7 +30,7 @@ inline QString chartText(const sable::OrgChart& chart, const sable::OrgNode* nod
 // login ID, and the modified flag; for checking that an undo gives back exactly the document before.
 inline QByteArray snapshot(const sable::CSableManagerDoc& doc)
 {
-    QByteArray out = sable::ChartJson::write(doc);
+    QByteArray out = sable::ChartJson::write(doc.tables());
     for (const sable::MemberRecord& m : doc.chart().members())
         out += m.MemberID.isEmpty() ? QByteArray("no-id:") + QByteArray::number(m.K_MemberID) : QByteArray();
     for (const int id : doc.deletedMembers())

@@ -16,7 +16,7 @@ int exportChart(Context& context, QStringList args)
     CSableManagerDoc doc;
     if (!loadChart(context, doc))
         return kFailure;
-    const QByteArray json = ChartJson::write(doc);
+    const QByteArray json = ChartJson::write(doc.tables());
     if (args.isEmpty())
         return printBytes(context, json);
     QFile file(args.first());
@@ -59,17 +59,19 @@ int importChart(Context& context, QStringList args)
     if (!file.open(QIODevice::ReadOnly))
         return context.fail(QStringLiteral("cannot read %1: %2").arg(args.first(), file.errorString()));
     QString problem;
-    std::optional<ChartContents> contents = ChartJson::read(file.readAll(), &problem);
-    if (!contents)
+    std::optional<ChartTables> tables = ChartJson::read(file.readAll(), &problem);
+    if (!tables)
         return context.fail(QStringLiteral("%1: %2; nothing was written").arg(args.first(), problem));
 
     context.config.read();
     CSableManagerDoc doc;
-    doc.adopt(std::move(*contents));
+    doc.adopt(tables->toContents());
     markDeleted(context, doc);
     doc.setModified(true);
 
-    const int code = saveChart(context, doc, yes);
+    // The file replaces the chart whatever the database holds now; nothing is merged.
+    context.err << "sablectl: the chart in the database is replaced by " << args.first() << Qt::endl;
+    const int code = saveChart(context, doc, yes, true);
     if (code == kSuccess)
         context.out << "saved: " << doc.chart().memberCount() << " members, " << doc.chart().groupCount()
                     << " departments" << Qt::endl;

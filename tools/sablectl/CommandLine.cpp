@@ -1,9 +1,14 @@
 #include "CommandLine.h"
 
+#include "SettingsKeys.h"
 #include "document/CSableManagerDoc.h"
+#include "document/ChartMerge.h"
 #include "document/ChartReader.h"
 #include "document/ChartSave.h"
+#include "document/MergeEdits.h"
+#include "document/RestorePoints.h"
 #include "platform/IniFile.h"
+#include "platform/Registry.h"
 #include "server/ServerDatabase.h"
 #include "server/ServerServiceControl.h"
 #include "server/ServiceManagerSettings.h"
@@ -100,7 +105,37 @@ std::unique_ptr<ServerServiceControl> openServiceControl(Context& context)
     return std::make_unique<ServerServiceControl>(settings.createBackend(), context.config.paths());
 }
 
-int saveChart(Context& context, CSableManagerDoc& doc, bool bYes)
+namespace {
+
+// Merges what someone else saved meanwhile when no row of it conflicts with this run's changes;
+// otherwise names the conflicting rows. True when the document holds the merge.
+bool mergeQuietly(Context& context, CSableManagerDoc& doc, const std::shared_ptr<const ChartTables>& theirs)
+{
+    ChartMerge merge(doc.base(), doc.tables(), theirs);
+    if (!merge.conflicts().empty()) {
+        context.err << "sablectl: the database changed since it was read, and these rows were changed on both sides:"
+                    << Qt::endl;
+        for (const MergeConflict& conflict : merge.conflicts())
+            context.err << "  " << ChartNames::table(conflict.table) << ": " << conflict.name << " ("
+                        << conflict.fields.join(QStringLiteral(", ")) << ") here: " << conflict.mine
+                        << "; there: " << conflict.theirs << Qt::endl;
+        return false;
+    }
+    QStringList dropped;
+    MergeEdits::applyMerge(doc, merge, &dropped);
+    if (!dropped.isEmpty()) {
+        context.err << "sablectl: merging would leave out rows that rely on removed ones: "
+                    << dropped.join(QStringLiteral(", ")) << Qt::endl;
+        return false;
+    }
+    context.err << "sablectl: merged with " << merge.theirChanges().size() << " rows saved elsewhere meanwhile"
+                << Qt::endl;
+    return true;
+}
+
+} // namespace
+
+int saveChart(Context& context, CSableManagerDoc& doc, bool bYes, bool bReplace)
 {
     // As the console saves: the file-box service stopped while the tables are written, every
     // service started after it, and a restart when the server cannot be told. Here the caller waits.
@@ -110,20 +145,46 @@ int saveChart(Context& context, CSableManagerDoc& doc, bool bYes)
     with.stopFileBoxServer = [&services] { services->stopFileBoxServer(); };
     with.requestStartAll = [&services] { services->startAll(); };
     with.restartAll = [&services] { services->restartServices(); };
-    with.askYesNo = [&](const QString& question) { return bYes || askOnTerminal(context, question); };
+    bool bAsked = false;
+    with.askYesNo = [&](const QString& question) {
+        // Asked once: a save that merges and tries again goes on with the first answer.
+        const bool yes = bYes || bAsked || askOnTerminal(context, question);
+        bAsked = yes;
+        return yes;
+    };
     with.showBalloon = [&context](const Balloon& balloon) { context.err << balloon.text << Qt::endl; };
     with.connect = connector(context);
-    switch (ChartSave::run(doc, IniFile(context.config.paths().settingsFilePath), with)) {
-    case ChartSave::Outcome::Saved:
-        return kSuccess;
-    case ChartSave::Outcome::Declined:
-        return context.fail(QStringLiteral("not saved"));
-    case ChartSave::Outcome::Refused:
-        return context.fail(QStringLiteral("nothing was written"));
-    case ChartSave::Outcome::DatabaseFailed:
-        return context.fail(DbConnection::lastError());
+    with.program = QStringLiteral("sablectl");
+    with.restoreFolder = RestorePoints::defaultFolder(context.config.paths().programFolder);
+    with.restorePointsKept = restorePointsKept(context);
+    with.bReplace = bReplace;
+    const IniFile settings(context.config.paths().settingsFilePath);
+    // Someone may save between the merge and the next attempt; a few rounds settle it.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        std::shared_ptr<const ChartTables> theirs;
+        switch (ChartSave::run(doc, settings, with, &theirs)) {
+        case ChartSave::Outcome::Saved:
+            return kSuccess;
+        case ChartSave::Outcome::Declined:
+            return context.fail(QStringLiteral("not saved"));
+        case ChartSave::Outcome::Refused:
+            return context.fail(QStringLiteral("nothing was written"));
+        case ChartSave::Outcome::DatabaseFailed:
+            return context.fail(DbConnection::lastError());
+        case ChartSave::Outcome::Conflict:
+            if (!mergeQuietly(context, doc, theirs))
+                return context.fail(QStringLiteral("nothing was written"));
+            break;
+        }
     }
-    return kFailure;
+    return context.fail(QStringLiteral("the database kept changing while saving; nothing was written"));
+}
+
+int restorePointsKept(Context& context)
+{
+    const auto key = context.config.registry().openKey(RegRoot::LocalMachine, Keys::kSableManager);
+    const std::optional<quint32> kept = key ? key->readDword(Keys::kRestorePointsKept) : std::nullopt;
+    return kept && *kept > 0 ? static_cast<int>(std::min<quint32>(*kept, 100000)) : RestorePoints::kDefaultKept;
 }
 
 int printBytes(Context& context, const QByteArray& bytes)

@@ -71,12 +71,16 @@ std::function<DbConnection()> connector(Context& context);
 bool askOnTerminal(Context& context, const QString& question);
 // Reads the chart, the ranks and the file-box lists into `doc`; false after saying why.
 bool loadChart(Context& context, CSableManagerDoc& doc);
-// Saves `doc` with the console's save sequence, asking first unless `bYes`; kSuccess, or kFailure
-// after saying why.
 // The server's services as the registry's "ServiceManager" says they are run.
 std::unique_ptr<ServerServiceControl> openServiceControl(Context& context);
 
-int saveChart(Context& context, CSableManagerDoc& doc, bool bYes);
+// Saves `doc` with the console's save sequence, asking first unless `bYes`; kSuccess, or kFailure
+// after saying why. When someone else saved meanwhile, what they saved is merged in and the save
+// tried again, unless a row was changed on both sides: then nothing is written. `bReplace` writes
+// the document over whatever the database holds.
+int saveChart(Context& context, CSableManagerDoc& doc, bool bYes, bool bReplace = false);
+// How many restore points the server folder keeps (HKLM "RestorePointsKept", 50 when not set).
+int restorePointsKept(Context& context);
 // Writes `bytes` to standard output as they are; kSuccess or kFailure.
 int printBytes(Context& context, const QByteArray& bytes);
 

@@ -4,6 +4,7 @@
 #include "SettingsKeys.h"
 #include "db/ConnectionString.h"
 #include "db/DbRowSource.h"
+#include "db/DbSchema.h"
 #include "db/SqliteNative.h"
 #include "platform/Registry.h"
 
@@ -129,6 +130,11 @@ void DbRecordset::close()
     m_bEof = true;
 }
 
+bool DbRecordset::isNull(int n) const
+{
+    return !m_rows || m_bEof || m_rows->isNull(n);
+}
+
 int DbRecordset::fieldInt(int n) const
 {
     if (!m_rows || m_bEof || m_rows->isNull(n))
@@ -248,10 +254,22 @@ bool DbConnection::open(const QString& connectionString)
     db.setUserName(target.user);
     db.setPassword(target.password);
     db.setConnectOptions(target.connectOptions);
-    if (db.open())
-        return true;
-    recordError(db.lastError());
-    return false;
+    if (!db.open()) {
+        recordError(db.lastError());
+        return false;
+    }
+    if (target.driver == QLatin1String("QSQLITE"))
+        useWriteAheadLog();
+    return true;
+}
+
+void DbConnection::useWriteAheadLog()
+{
+    // With a write-ahead log the messenger server goes on reading while a save writes; a save waits
+    // for another one instead of failing at once. Where the log cannot be made (a read-only folder)
+    // the database stays as it is.
+    executeNoRecords(QStringLiteral("PRAGMA busy_timeout = 60000"));
+    execute(QStringLiteral("PRAGMA journal_mode = WAL"));
 }
 
 bool DbConnection::isOpen() const
@@ -331,6 +349,42 @@ bool DbConnection::beginTrans()
         return true;
     recordError(db.lastError());
     return false;
+}
+
+bool DbConnection::beginWriteTrans(const QStringList& tables)
+{
+    if (!isOpen()) {
+        recordError(notConnectedError());
+        return false;
+    }
+    const DbSchema::Dialect dialect = DbSchema::dialectOf(*this);
+    if (dialect == DbSchema::Dialect::Sqlite && driverName() == QLatin1String("QSQLITE"))
+        return executeNoRecords(QStringLiteral("BEGIN IMMEDIATE"));
+    if (!beginTrans())
+        return false;
+    bool locked = true;
+    switch (dialect) {
+    case DbSchema::Dialect::PostgreSql:
+        locked = executeNoRecords(
+            QStringLiteral("LOCK TABLE %1 IN SHARE ROW EXCLUSIVE MODE").arg(tables.join(QStringLiteral(", "))));
+        break;
+    case DbSchema::Dialect::SqlServer:
+        for (const QString& table : tables) {
+            locked = locked
+                && execute(QStringLiteral("SELECT COUNT(*) FROM %1 WITH (UPDLOCK, TABLOCK, HOLDLOCK)").arg(table))
+                       .isValid();
+        }
+        break;
+    case DbSchema::Dialect::Sqlite:
+        // Through ODBC the engine begins lazily; a write that changes nothing takes its lock now.
+        locked = executeNoRecords(QStringLiteral("DELETE FROM %1 WHERE 1 = 0").arg(tables.value(0)));
+        break;
+    case DbSchema::Dialect::Other:
+        break;
+    }
+    if (!locked)
+        rollbackTrans();
+    return locked;
 }
 
 bool DbConnection::commitTrans()

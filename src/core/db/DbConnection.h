@@ -34,6 +34,7 @@ public:
     void moveNext();
     void close();
 
+    bool isNull(int n) const;
     // Field n of the current row as a 32-bit integer; 0 when it is NULL or not a number.
     int fieldInt(int n) const;
     // Field n as text; "" when it is NULL.
@@ -93,6 +94,11 @@ public:
     bool executeNoRecords(const QString& sql, const QVariantList& values = {});
 
     bool beginTrans();
+    // Begins a transaction in which no other writer can change `tables` until it ends, so that what
+    // is read in it still holds when it writes: the embedded engine takes its write lock at once,
+    // PostgreSQL and SQL Server lock the tables against writers while readers go on. Other engines
+    // get a plain transaction.
+    bool beginWriteTrans(const QStringList& tables);
     bool commitTrans();
     bool rollbackTrans();
 
@@ -115,6 +121,7 @@ public:
 
 private:
     void release();
+    void useWriteAheadLog();
 
     QString m_name;
 };

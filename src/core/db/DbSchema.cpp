@@ -226,6 +226,21 @@ QStringList createMissingIndexes(DbConnection& connection, bool* ok)
     return created;
 }
 
+bool createTableIfMissing(DbConnection& connection, const QString& table, const QList<ColumnSpec>& columns)
+{
+    if (connection.tables().contains(table, Qt::CaseInsensitive))
+        return true;
+    const Dialect dialect = dialectOf(connection);
+    QStringList definitions;
+    for (const ColumnSpec& column : columns) {
+        const QByteArray name = column.name.toLatin1();
+        definitions << QStringLiteral("%1 %2 NULL")
+                           .arg(column.name, columnType({name.constData(), column.textLength}, dialect));
+    }
+    return connection.executeNoRecords(
+        QStringLiteral("CREATE TABLE %1 (%2)").arg(table, definitions.join(QStringLiteral(", "))));
+}
+
 QString rankOrderColumn()
 {
     return QStringLiteral("RankOrder");

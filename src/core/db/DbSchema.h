@@ -42,6 +42,16 @@ QStringList createMissingIndexes(DbConnection& connection, bool* ok);
 // case find the table only under the name they list it by.
 QSqlRecord recordOf(const DbConnection& connection, const QString& table);
 
+// A table of the console's own (beside the server's SD_ and SB_ tables): its columns, each an
+// integer (no text length) or a text of at most `textLength` characters.
+struct ColumnSpec
+{
+    QString name;
+    int textLength = 0;
+};
+// Creates `table` unless it exists; false when the statement failed.
+bool createTableIfMissing(DbConnection& connection, const QString& table, const QList<ColumnSpec>& columns);
+
 // Name of the column that keeps the rank order on servers that do not return rows in insertion
 // order; tables created by the console carry it, the loader orders by it when it is there.
 QString rankOrderColumn();

@@ -1,8 +1,5 @@
 #include "document/ChartJson.h"
 
-#include "orgchart/ChartBuilder.h"
-#include "orgchart/ChartRows.h"
-
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -178,33 +175,23 @@ MemberRecord readMember(RowReader& row)
     return m;
 }
 
-bool readChart(const QJsonObject& root, ChartContents& contents, QString* error)
+bool readChart(const QJsonObject& root, ChartTables& tables, QString* error)
 {
-    ChartBuilder builder(*contents.chart);
-    std::vector<GroupRow> groups;
-    std::vector<int> depths;
     const bool ok = forEachRow(root, "members", error, [&](RowReader& row) {
-        builder.addMember(readMember(row));
+        tables.members.push_back(readMember(row));
     }) && forEachRow(root, "groups", error, [&](RowReader& row) {
-        groups.push_back(
-            {row.number("K_GroupID"), row.text("GroupName"), row.number("K_GroupID_P"), row.number("Position"), 0});
-        depths.push_back(row.number("Depth"));
+        tables.groups.push_back({row.number("K_GroupID"), row.text("GroupName"), row.number("K_GroupID_P"),
+            row.number("Position"), row.number("Depth")});
     }) && forEachRow(root, "relations", error, [&](RowReader& row) {
-        builder.addRelation(
+        tables.relations.push_back(
             {row.number("K_MemberID"), row.number("K_GroupID"), row.number("K_RankID"), row.number("Position")});
     });
     if (!ok)
         return false;
     // Departments arrive as a load reads them: ordered by Depth, then Position.
-    std::vector<size_t> order(groups.size());
-    for (size_t i = 0; i < order.size(); ++i)
-        order[i] = i;
-    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
-        return std::pair(depths[a], groups[a].Position) < std::pair(depths[b], groups[b].Position);
+    std::stable_sort(tables.groups.begin(), tables.groups.end(), [](const GroupRow& a, const GroupRow& b) {
+        return std::pair(a.Depth, a.Position) < std::pair(b.Depth, b.Position);
     });
-    for (const size_t i : order)
-        builder.addGroup(groups[i]);
-    builder.finish();
     return true;
 }
 
@@ -219,11 +206,11 @@ bool readAuthorities(
 
 } // namespace
 
-QByteArray write(const CSableManagerDoc& doc)
+QByteArray write(const ChartTables& tables)
 {
     JsonWriter json;
     json.beginArray("groups");
-    for (const GroupRow& g : ChartRows::groups(doc.chart())) {
+    for (const GroupRow& g : tables.groups) {
         json.beginRow();
         json.field("K_GroupID", g.K_GroupID);
         json.field("GroupName", g.GroupName);
@@ -233,7 +220,7 @@ QByteArray write(const CSableManagerDoc& doc)
         json.endRow();
     }
     json.beginArray("members");
-    for (const MemberRecord& m : ChartRows::members(doc.chart())) {
+    for (const MemberRecord& m : tables.members) {
         json.beginRow();
         json.field("K_MemberID", m.K_MemberID);
         json.field("MemberID", m.MemberID);
@@ -253,7 +240,7 @@ QByteArray write(const CSableManagerDoc& doc)
         json.endRow();
     }
     json.beginArray("relations");
-    for (const RelationRow& r : ChartRows::relations(doc.chart())) {
+    for (const RelationRow& r : tables.relations) {
         json.beginRow();
         json.field("K_MemberID", r.K_MemberID);
         json.field("K_GroupID", r.K_GroupID);
@@ -262,25 +249,25 @@ QByteArray write(const CSableManagerDoc& doc)
         json.endRow();
     }
     json.beginArray("ranks");
-    for (const RankRecord& rank : doc.ranks().ranks()) {
+    for (const RankRecord& rank : tables.ranks.ranks()) {
         json.beginRow();
         json.field("K_RankID", rank.K_RankID);
         json.field("RankName", rank.RankName);
         json.endRow();
     }
     json.beginArray("folders");
-    for (const FolderRecord& folder : doc.fileBox().folders) {
+    for (const FolderRecord& folder : tables.fileBox.folders) {
         json.beginRow();
         json.field("K_FolderID", folder.K_FolderID);
         json.field("FolderPath", folder.FolderPath);
         json.endRow();
     }
-    writeAuthorities(json, "groupAuthorities", "K_GroupID", doc.fileBox().groupAuthorities);
-    writeAuthorities(json, "userAuthorities", "K_MemberID", doc.fileBox().userAuthorities);
+    writeAuthorities(json, "groupAuthorities", "K_GroupID", tables.fileBox.groupAuthorities);
+    writeAuthorities(json, "userAuthorities", "K_MemberID", tables.fileBox.userAuthorities);
     return json.finish();
 }
 
-std::optional<ChartContents> read(const QByteArray& json, QString* error)
+std::optional<ChartTables> read(const QByteArray& json, QString* error)
 {
     error->clear();
     QJsonParseError parse;
@@ -293,22 +280,27 @@ std::optional<ChartContents> read(const QByteArray& json, QString* error)
         *error = QStringLiteral("expected one object");
         return std::nullopt;
     }
-    const QJsonObject root = document.object();
-    ChartContents contents;
-    const bool ok = readChart(root, contents, error)
+    return read(document.object(), error);
+}
+
+std::optional<ChartTables> read(const QJsonObject& root, QString* error)
+{
+    error->clear();
+    ChartTables tables;
+    const bool ok = readChart(root, tables, error)
         && forEachRow(root, "ranks", error,
             [&](RowReader& row) {
-                contents.ranks.insert(contents.ranks.count(), {row.number("K_RankID"), row.text("RankName")});
+                tables.ranks.insert(tables.ranks.count(), {row.number("K_RankID"), row.text("RankName")});
             })
         && forEachRow(root, "folders", error,
             [&](RowReader& row) {
-                contents.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
+                tables.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
             })
-        && readAuthorities(root, "groupAuthorities", "K_GroupID", contents.fileBox.groupAuthorities, error)
-        && readAuthorities(root, "userAuthorities", "K_MemberID", contents.fileBox.userAuthorities, error);
+        && readAuthorities(root, "groupAuthorities", "K_GroupID", tables.fileBox.groupAuthorities, error)
+        && readAuthorities(root, "userAuthorities", "K_MemberID", tables.fileBox.userAuthorities, error);
     if (!ok)
         return std::nullopt;
-    return contents;
+    return tables;
 }
 
 } // namespace sable::ChartJson

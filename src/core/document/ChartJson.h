@@ -1,8 +1,9 @@
 #pragma once
 
-#include "document/CSableManagerDoc.h"
+#include "document/ChartTables.h"
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 
 #include <optional>
@@ -14,11 +15,13 @@ namespace sable {
 // now, in its order, each row an object keyed by the table's column names.
 namespace ChartJson {
 
-QByteArray write(const CSableManagerDoc& doc);
+QByteArray write(const ChartTables& tables);
 
-// Builds contents from that form, placing departments and members as a load places them. nullopt
-// and a reason naming the row and the field when the text is not of that form.
-std::optional<ChartContents> read(const QByteArray& json, QString* error);
+// The rows of that form (departments ordered as a chart is built from them). nullopt and a reason
+// naming the row and the field when the text is not of that form.
+std::optional<ChartTables> read(const QByteArray& json, QString* error);
+// The same from an object already parsed (the chart inside another document).
+std::optional<ChartTables> read(const QJsonObject& root, QString* error);
 
 } // namespace ChartJson
 } // namespace sable

@@ -2,8 +2,10 @@
 
 #include "Messages.h"
 #include "db/DbConnection.h"
+#include "document/ChartTables.h"
 #include "filebox/FileBoxStore.h"
 #include "orgchart/ChartBuilder.h"
+#include "orgchart/ChartStore.h"
 #include "orgchart/RankStore.h"
 
 namespace sable {
@@ -18,6 +20,7 @@ public:
     Load(DbConnection& connection, ChartContents& contents, LoadProgress& progress, const std::atomic<int>& bContinue)
         : m_db(connection)
         , m_builder(*contents.chart)
+        , m_stored(contents.stored)
         , m_progress(progress)
         , m_bContinue(bContinue)
     { }
@@ -37,6 +40,9 @@ private:
 
     DbConnection& m_db;
     ChartBuilder m_builder;
+    // What the database holds, row by row as it passes: what a save later compares it with.
+    ChartFingerprint& m_stored;
+    qint64 m_fields[ChartFields::kMemberFieldCount] = {};
     LoadProgress& m_progress;
     const std::atomic<int>& m_bContinue;
 };
@@ -66,31 +72,16 @@ Outcome Load::members()
     m_progress.setText(Msg::kLoadMembers);
     if (!countRows(QStringLiteral("SD_Member")))
         return Outcome::ReadFailed;
-    DbRecordset rows = m_db.execute(
-        QStringLiteral("SELECT MemberID,MemberName,Passwd,Gender,bPublic,Email,HP,Homephone,Address,HomePhone,BirthDay,"
-                       "bSolar,bAdmin,K_MemberID,Officephone,Description  FROM SD_Member"));
+    DbRecordset rows = m_db.execute(ChartStore::membersQuery());
     if (!rows.isValid())
         return Outcome::ReadFailed;
     for (int count = 1; !rows.isEof(); rows.moveNext(), ++count) {
         m_progress.setPosition(count);
         if (stopped())
             return Outcome::OpenFailed;
-        MemberRecord member;
-        member.bAdmin = rows.fieldInt(12) != 0;
-        member.bSolar = rows.fieldInt(11) != 0;
-        member.bPublic = rows.fieldInt(4) != 0;
-        member.Gender = rows.fieldInt(3) == 0 ? 0 : 1;
-        member.K_MemberID = rows.fieldInt(13);
-        member.Description = rows.fieldText(15);
-        member.BirthDay = rows.fieldText(10);
-        member.Address = rows.fieldText(8);
-        member.OfficePhone = rows.fieldText(14);
-        member.HomePhone = rows.fieldText(7); // the first of the two home-phone columns
-        member.HP = rows.fieldText(6);
-        member.Email = rows.fieldText(5);
-        member.Passwd = rows.fieldText(2);
-        member.MemberName = rows.fieldText(1);
-        member.MemberID = rows.fieldText(0);
+        MemberRecord member = ChartStore::memberAt(rows);
+        ChartFingerprint::printMember(member, m_fields);
+        m_stored.add(ChartTable::Members, member.K_MemberID, m_fields);
         m_builder.addMember(std::move(member));
     }
     return Outcome::Loaded;
@@ -102,20 +93,17 @@ Outcome Load::groups()
     m_progress.setPosition(0);
     if (!countRows(QStringLiteral("SD_Group")))
         return Outcome::ReadFailed;
-    DbRecordset rows = m_db.execute(
-        QStringLiteral("SELECT K_GroupID,GroupName,Position,K_GroupID_P FROM SD_Group ORDER BY Depth,Position"));
+    DbRecordset rows = m_db.execute(ChartStore::groupsQuery());
     if (!rows.isValid())
         return Outcome::ReadFailed;
     for (int count = 1; !rows.isEof(); rows.moveNext(), ++count) {
         if (stopped())
             return Outcome::OpenFailed;
         m_progress.setPosition(count);
-        GroupRow row;
-        row.GroupName = rows.fieldText(1);
-        row.K_GroupID = rows.fieldInt(0);
-        row.Position = rows.fieldInt(2);
-        row.K_GroupID_P = rows.fieldInt(3);
-        m_builder.addGroup(row);
+        const GroupRow group = ChartStore::groupAt(rows);
+        ChartFingerprint::printGroup(group, m_fields);
+        m_stored.add(ChartTable::Groups, group.K_GroupID, m_fields);
+        m_builder.addGroup(group);
     }
     return Outcome::Loaded;
 }
@@ -126,24 +114,40 @@ Outcome Load::relations()
     m_progress.setPosition(0);
     if (!countRows(QStringLiteral("SD_Relation")))
         return Outcome::ReadFailed;
-    // Memberships are read for the departments of the tree only; with no department none are read.
-    if (!m_builder.hasGroups())
-        return Outcome::Loaded;
+    // Memberships are placed for the departments of the tree only; every row still counts in the
+    // print of what the database holds.
     std::vector<int> groupIds = m_builder.groupIdsInTreeOrder();
     std::sort(groupIds.begin(), groupIds.end());
-    DbRecordset rows = m_db.execute(QStringLiteral("SELECT K_MemberID,K_RankID,Position,K_GroupID FROM SD_Relation"));
+    DbRecordset rows = m_db.execute(ChartStore::relationsQuery());
     if (!rows.isValid())
         return Outcome::ReadFailed;
     for (int count = 1; !rows.isEof(); rows.moveNext()) {
-        const int groupId = rows.fieldInt(3);
-        if (!std::binary_search(groupIds.begin(), groupIds.end(), groupId))
+        const RelationRow relation = ChartStore::relationAt(rows);
+        ChartFingerprint::printRelation(relation, m_fields);
+        m_stored.add(
+            ChartTable::Relations, ChartFingerprint::relationKey(relation.K_MemberID, relation.K_GroupID), m_fields);
+        if (!std::binary_search(groupIds.begin(), groupIds.end(), relation.K_GroupID))
             continue;
         m_progress.setPosition(count++);
         if (stopped())
             return Outcome::OpenFailed;
-        m_builder.addRelation({rows.fieldInt(0), groupId, rows.fieldInt(1), rows.fieldInt(2)});
+        m_builder.addRelation(relation);
     }
     return Outcome::Loaded;
+}
+
+// The ranks and the file-box lists are few: their prints are made once they are read.
+void addSmallTables(ChartContents& contents)
+{
+    ChartTables small;
+    small.ranks = contents.ranks;
+    small.fileBox = contents.fileBox;
+    const ChartFingerprint print = ChartFingerprint::of(small);
+    for (const ChartTable table :
+        {ChartTable::Ranks, ChartTable::Folders, ChartTable::GroupAuthorities, ChartTable::UserAuthorities}) {
+        print.forEachKey(
+            table, [&](ChartFingerprint::Key key) { contents.stored.add(table, key, print.row(table, key)); });
+    }
 }
 
 } // namespace
@@ -182,6 +186,7 @@ ChartReader::Result ChartReader::read(
         return fail(Outcome::Stopped);
     if (!FileBoxStore::load(connection, result.contents.fileBox))
         return fail(Outcome::ReadFailed);
+    addSmallTables(result.contents);
     connection.close();
     if (stoppedBetweenPhases())
         return fail(Outcome::Stopped);

@@ -3,6 +3,9 @@
 #include "Messages.h"
 #include "SettingsKeys.h"
 #include "document/CSableManagerDoc.h"
+#include "document/ChangeJournal.h"
+#include "document/ChartDiff.h"
+#include "document/RestorePoints.h"
 #include "filebox/FileBoxStore.h"
 #include "orgchart/ChartStore.h"
 #include "orgchart/RankStore.h"
@@ -12,26 +15,142 @@
 namespace sable {
 namespace {
 
-// Writes everything in one transaction; false (rolled back) on the first failure.
-bool writeAll(DbConnection& db, const CSableManagerDoc& doc, const IniFile& settings)
+// One save's writing: what it writes, the journal entry and the restore point it leaves.
+class Writing
 {
-    if (db.isEmpty() || !db.beginTrans())
-        return false;
-    if (ChartSave::writeTables(db, doc)) {
-        // The version is raised before the commit, so a commit that fails leaves it raised.
-        const int version = ChartSave::nextVersion(settings.readInt(Keys::kGroupInfo, Keys::kVersion, 0));
-        settings.writeString(
-            Keys::kGroupInfo, Keys::kVersion, QStringLiteral("%1").arg(version, 4, 10, QLatin1Char('0')));
-        if (db.commitTrans())
-            return true;
+public:
+    Writing(const CSableManagerDoc& doc, const IniFile& settings, const ChartSave::Collaborators& with)
+        : m_doc(doc)
+        , m_settings(settings)
+        , m_with(with)
+        , m_mine(doc.tables())
+        , m_points(with.restoreFolder, with.restorePointsKept)
+        , m_savedAt(QDateTime::currentDateTimeUtc())
+        , m_author(SaveAuthor::current(with.program))
+    {
+        m_result.print = ChartFingerprint::of(m_mine);
     }
-    db.rollbackTrans();
-    return false;
+
+    ChartSave::Written run();
+
+private:
+    bool checkBeforeWriting();
+    bool writeInTransaction(DbConnection& db);
+    bool keepRestorePoint(DbConnection& db, const ChartTables& theirs);
+    bool refuse(const QString& why)
+    {
+        m_result.refusal = why;
+        return false;
+    }
+
+    const CSableManagerDoc& m_doc;
+    const IniFile& m_settings;
+    const ChartSave::Collaborators& m_with;
+    const ChartTables m_mine;
+    const RestorePoints m_points;
+    const QDateTime m_savedAt;
+    const SaveAuthor m_author;
+    ChartSave::Written m_result;
+};
+
+// What a save changes, a line a table, for the restore point it leaves.
+QStringList changeLines(const ChartFingerprint& before, const ChartFingerprint& after)
+{
+    QStringList lines;
+    const ChartFingerprint::Summary summary = before.changesTo(after);
+    for (int t = 0; t < kChartTableCount; ++t) {
+        const ChartFingerprint::Counts& counts = summary[static_cast<size_t>(t)];
+        if (counts == ChartFingerprint::Counts {})
+            continue;
+        lines << Msg::kRestorePointChangeLine.arg(ChartNames::table(static_cast<ChartTable>(t)))
+                     .arg(counts.added)
+                     .arg(counts.changed + counts.moved)
+                     .arg(counts.removed);
+    }
+    return lines;
+}
+
+bool Writing::checkBeforeWriting()
+{
+    QString problem;
+    if (!m_with.restoreFolder.isEmpty() && !m_points.prepare(&problem))
+        return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
+    // The version is raised inside the transaction; a settings file that cannot take it (a lock
+    // held, a folder in its place, a full disk) must stop the save before the transaction begins.
+    const QString version = m_settings.readString(Keys::kGroupInfo, Keys::kVersion, QString(), 32);
+    if (!m_settings.writeString(Keys::kGroupInfo, Keys::kVersion, version.isEmpty() ? QStringLiteral("0000") : version))
+        return refuse(Msg::kSaveSettingsNotWritable.arg(m_settings.path()));
+    return true;
+}
+
+bool Writing::keepRestorePoint(DbConnection& db, const ChartTables& theirs)
+{
+    std::optional<UserData> userData = ChartStore::readUserData(db, m_doc.deletedMembers());
+    if (!userData)
+        return false;
+    RestorePoint point {
+        m_savedAt, m_author, changeLines(ChartFingerprint::of(theirs), m_result.print), theirs, std::move(*userData)};
+    QString problem;
+    if (!m_points.write(point, &problem))
+        return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
+    return true;
+}
+
+bool Writing::writeInTransaction(DbConnection& db)
+{
+    std::optional<ChartTables> theirs = ChartTables::read(db);
+    if (!theirs)
+        return false;
+    if (!m_with.bReplace && ChartFingerprint::of(*theirs) != m_doc.base()) {
+        m_result.theirs = std::make_shared<const ChartTables>(std::move(*theirs));
+        return false;
+    }
+    if (!m_with.restoreFolder.isEmpty() && !keepRestorePoint(db, *theirs))
+        return false;
+    if (!ChangeJournal::ensureTables(db))
+        return refuse(Msg::kSaveJournalFailed.arg(DbConnection::lastError()));
+    const std::vector<RowChange> changes
+        = ChartDiff::between(ChartFingerprint::of(*theirs), m_mine, ChartNames(m_mine, *theirs));
+    if (!ChangeJournal::record(db, m_savedAt, m_author, changes))
+        return false;
+    if (!ChartSave::writeTables(db, m_doc, m_mine))
+        return false;
+    // The version is raised before the commit, so a commit that fails leaves it raised.
+    const int version = ChartSave::nextVersion(m_settings.readInt(Keys::kGroupInfo, Keys::kVersion, 0));
+    if (!m_settings.writeString(
+            Keys::kGroupInfo, Keys::kVersion, QStringLiteral("%1").arg(version, 4, 10, QLatin1Char('0'))))
+        return refuse(Msg::kSaveSettingsNotWritable.arg(m_settings.path()));
+    return db.commitTrans();
+}
+
+ChartSave::Written Writing::run()
+{
+    if (!checkBeforeWriting())
+        return m_result;
+    if (m_with.isFileBoxServerRunning && m_with.isFileBoxServerRunning() && m_with.stopFileBoxServer)
+        m_with.stopFileBoxServer();
+    DbConnection db = m_with.connect();
+    if (!db.isEmpty() && db.beginWriteTrans(ChartSave::lockedTables())) {
+        m_result.bWritten = writeInTransaction(db);
+        if (!m_result.bWritten)
+            db.rollbackTrans();
+    }
+    if (db.state() == 1)
+        db.close();
+    return m_result;
 }
 
 } // namespace
 
-bool ChartSave::writeTables(DbConnection& db, const CSableManagerDoc& doc)
+const QStringList& ChartSave::lockedTables()
+{
+    static const QStringList tables = {QStringLiteral("SD_Group"), QStringLiteral("SD_Member"),
+        QStringLiteral("SD_Relation"), QStringLiteral("SD_Rank"), QStringLiteral("SB_Folder"),
+        QStringLiteral("SB_GroupAuthority"), QStringLiteral("SB_UserAuthority")};
+    return tables;
+}
+
+bool ChartSave::writeTables(DbConnection& db, const CSableManagerDoc& doc, const ChartTables& tables)
 {
     // The memberships of a department that exists now were just written: a deleted department's
     // number in the list must not take them away again.
@@ -40,9 +159,10 @@ bool ChartSave::writeTables(DbConnection& db, const CSableManagerDoc& doc)
         if (!doc.chart().findGroup(groupId))
             deletedGroups << groupId;
     }
-    return ChartStore::write(db, doc.chart()) && RankStore::store(db, doc.ranks())
-        && FileBoxStore::store(db, doc.fileBox())
-        && ChartStore::runDeletionCascade(db, doc.deletedMembers(), deletedGroups);
+    return ChartStore::write(db, tables.groups, tables.members, tables.relations) && RankStore::store(db, tables.ranks)
+        && FileBoxStore::store(db, tables.fileBox)
+        && ChartStore::runDeletionCascade(db, doc.deletedMembers(), deletedGroups)
+        && ChartStore::insertUserData(db, doc.pendingUserData());
 }
 
 int ChartSave::nextVersion(int current)
@@ -75,11 +195,31 @@ std::optional<Balloon> ChartSave::checkNamesAndPasswords(const CSableManagerDoc&
     return std::nullopt;
 }
 
-ChartSave::Outcome ChartSave::run(CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with)
+std::optional<Balloon> ChartSave::checkUniqueLoginIds(const CSableManagerDoc& doc)
+{
+    const OrgChart& chart = doc.chart();
+    QHash<QString, int> seen;
+    seen.reserve(chart.memberCount());
+    for (int row = 0; row < chart.memberCount(); ++row) {
+        const QString& id = chart.member(row).MemberID;
+        if (id.isEmpty())
+            continue;
+        if (seen.contains(id.toCaseFolded()))
+            return Balloon::error(Msg::kSaveDuplicateLoginId.arg(id)).atCell(row, ColMemberID);
+        seen.insert(id.toCaseFolded(), row);
+    }
+    return std::nullopt;
+}
+
+ChartSave::Outcome ChartSave::run(CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with,
+    std::shared_ptr<const ChartTables>* conflict)
 {
     if (const auto stopped = prepare(doc, with))
         return *stopped;
-    return finish(doc, with, write(doc, settings, with));
+    const Written written = write(doc, settings, with);
+    if (conflict)
+        *conflict = written.theirs;
+    return finish(doc, with, written);
 }
 
 std::optional<ChartSave::Outcome> ChartSave::prepare(const CSableManagerDoc& doc, const Collaborators& with)
@@ -91,6 +231,8 @@ std::optional<ChartSave::Outcome> ChartSave::prepare(const CSableManagerDoc& doc
     };
     if (const auto problem = checkIdsAndPasswords(doc))
         return refuse(*problem);
+    if (const auto problem = checkUniqueLoginIds(doc))
+        return refuse(*problem);
     if (!with.askYesNo(Msg::kSaveQuestion))
         return Outcome::Declined;
     if (!with.bEditorOpen)
@@ -100,25 +242,21 @@ std::optional<ChartSave::Outcome> ChartSave::prepare(const CSableManagerDoc& doc
     return std::nullopt;
 }
 
-bool ChartSave::write(const CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with)
+ChartSave::Written ChartSave::write(const CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with)
 {
-    if (with.isFileBoxServerRunning && with.isFileBoxServerRunning() && with.stopFileBoxServer)
-        with.stopFileBoxServer();
-    DbConnection db = with.connect();
-    const bool saved = writeAll(db, doc, settings);
-    if (db.state() == 1)
-        db.close();
-    return saved;
+    return Writing(doc, settings, with).run();
 }
 
-ChartSave::Outcome ChartSave::finish(CSableManagerDoc& doc, const Collaborators& with, bool written)
+ChartSave::Outcome ChartSave::finish(CSableManagerDoc& doc, const Collaborators& with, const Written& written)
 {
-    if (!written) {
+    if (!written.bWritten) {
+        if (written.theirs)
+            return Outcome::Conflict;
         if (with.showBalloon)
-            with.showBalloon(Balloon::error(Msg::kSaveDatabaseError));
-        return Outcome::DatabaseFailed;
+            with.showBalloon(Balloon::error(written.refusal.isEmpty() ? Msg::kSaveDatabaseError : written.refusal));
+        return written.refusal.isEmpty() ? Outcome::DatabaseFailed : Outcome::Refused;
     }
-    doc.markSaved();
+    doc.markSaved(written.print);
     if (with.requestStartAll)
         with.requestStartAll();
     const bool sent = with.sendChartChangedNotice

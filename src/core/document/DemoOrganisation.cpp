@@ -192,7 +192,7 @@ bool write(DbConnection& connection)
     doc.adopt(contents());
     if (!connection.beginTrans())
         return false;
-    if (ChartSave::writeTables(connection, doc) && connection.commitTrans())
+    if (ChartSave::writeTables(connection, doc, doc.tables()) && connection.commitTrans())
         return true;
     connection.rollbackTrans();
     return false;

@@ -185,6 +185,21 @@ private:
 };
 
 // A save empties the deletion lists; undoing an edit from before it takes out only what is still there.
+// A merge or a restore: everything at once. The old state stays here, so that views and the edits
+// before it find their nodes again when it is undone.
+class ReplaceAll final : public DocChange
+{
+public:
+    explicit ReplaceAll(DocumentState state)
+        : m_state(std::move(state))
+    { }
+    void redo(CSableManagerDoc& doc) override { doc.exchange(m_state); }
+    void undo(CSableManagerDoc& doc) override { doc.exchange(m_state); }
+
+private:
+    DocumentState m_state;
+};
+
 class AppendDeleted final : public DocChange
 {
 public:
@@ -476,6 +491,11 @@ void EditRecorder::removeMembers(const std::vector<int>& rows)
 void EditRecorder::setMember(int row, const MemberRecord& member)
 {
     apply(std::make_unique<SetMember>(row, m_doc.chart().member(row), member));
+}
+
+void EditRecorder::replaceAll(DocumentState state)
+{
+    apply(std::make_unique<ReplaceAll>(std::move(state)));
 }
 
 void EditRecorder::appendDeleted(QList<int>& list, const QList<int>& ids)

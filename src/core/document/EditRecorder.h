@@ -13,6 +13,7 @@
 namespace sable {
 
 class OrgNode;
+struct DocumentState;
 
 // Makes the changes of one edit and keeps them, so that the edit becomes one step of the history.
 // Every change of the document during an edit goes through here; commit() files the step (nothing
@@ -41,6 +42,8 @@ public:
     void setMember(int row, const MemberRecord& member);
 
     void appendDeleted(QList<int>& list, const QList<int>& ids);
+    // Exchanges the whole document with `state` (its old state is kept for undo).
+    void replaceAll(DocumentState state);
 
     void insertRank(int index, const RankRecord& rank);
     void removeRank(int index);

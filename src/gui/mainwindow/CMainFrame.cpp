@@ -2,6 +2,7 @@
 
 #include "Messages.h"
 #include "document/CReadDBThread.h"
+#include "document/ChartDiff.h"
 #include "filebox/CSableboxFolderFormView.h"
 #include "filebox/CSableboxUserFormView.h"
 #include "filebox/FileBoxHome.h"
@@ -443,16 +444,7 @@ ChartSave::Collaborators CMainFrame::saveCollaborators()
     ChartSave::Collaborators with;
     with.askYesNo = [this](const QString& question) {
         // Beside the question, what the save will change in the database.
-        const ChartFingerprint::Summary changes = m_doc.unsavedChanges();
-        const QString summary = Msg::kSaveSummary.arg(changes.groups.added)
-                                    .arg(changes.groups.changed)
-                                    .arg(changes.groups.removed)
-                                    .arg(changes.members.added)
-                                    .arg(changes.members.changed)
-                                    .arg(changes.members.removed)
-                                    .arg(changes.relations.added)
-                                    .arg(changes.relations.changed)
-                                    .arg(changes.relations.removed);
+        const QString summary = ChartDiff::summaryText(m_doc.unsavedChanges());
         return m_prompter.askYesNoDetailed(this, question, summary);
     };
     with.showBalloon = [this](const Balloon& balloon) {

@@ -37,14 +37,15 @@ void SaveRunner::start(const ChartSave::Collaborators& with)
     m_note->setWindowTitle(Msg::kAppTitle);
     m_note->show();
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    m_thread = QThread::create([this] { m_bWritten = ChartSave::write(m_doc, m_settings, m_with); });
+    m_written = {};
+    m_thread = QThread::create([this] { m_written = ChartSave::write(m_doc, m_settings, m_with); });
     connect(m_thread, &QThread::finished, this, [this] {
         m_thread->deleteLater();
         m_thread = nullptr;
         QApplication::restoreOverrideCursor();
         if (m_note)
             m_note->deleteLater();
-        Q_EMIT finished(ChartSave::finish(m_doc, m_with, m_bWritten));
+        Q_EMIT finished(ChartSave::finish(m_doc, m_with, m_written));
     });
     m_thread->start();
 }

@@ -23,6 +23,8 @@ public:
     ~SaveRunner() override;
 
     bool isRunning() const { return m_thread != nullptr; }
+    // After a save that ended in a conflict: what the database holds now, to merge with.
+    std::shared_ptr<const ChartTables> takeConflict() { return std::exchange(m_written.theirs, nullptr); }
     // Starts a save unless one runs; false when the save stopped before the writing (finished is
     // emitted either way).
     void start(const ChartSave::Collaborators& with);
@@ -37,7 +39,7 @@ private:
     ChartSave::Collaborators m_with;
     QThread* m_thread = nullptr;
     QPointer<QProgressDialog> m_note;
-    bool m_bWritten = false;
+    ChartSave::Written m_written;
 };
 
 } // namespace sable

@@ -1,0 +1,211 @@
+#include "document/ChartDiff.h"
+
+#include "Messages.h"
+#include "document/ChartTables.h"
+
+#include <algorithm>
+
+namespace sable {
+
+ChartNames::ChartNames(const ChartTables& tables)
+{
+    add(tables);
+}
+
+ChartNames::ChartNames(const ChartTables& first, const ChartTables& second)
+{
+    add(second);
+    add(first);
+}
+
+void ChartNames::add(const ChartTables& tables)
+{
+    for (const GroupRow& row : tables.groups)
+        m_groups.insert(row.K_GroupID, row.GroupName);
+    for (const MemberRecord& row : tables.members) {
+        m_members.insert(row.K_MemberID, Msg::kMemberName.arg(row.MemberName, row.MemberID));
+        m_logins.insert(row.K_MemberID, row.MemberID);
+    }
+    for (const RankRecord& row : tables.ranks.ranks())
+        m_ranks.insert(row.K_RankID, row.RankName);
+    for (const FolderRecord& row : tables.fileBox.folders)
+        m_folders.insert(row.K_FolderID, row.FolderPath);
+}
+
+QString ChartNames::group(int groupId) const
+{
+    if (groupId < 0 && !m_groups.contains(groupId))
+        return Msg::kTopLevel;
+    return m_groups.value(groupId, Msg::kUnknownRow.arg(groupId));
+}
+
+QString ChartNames::member(int memberId) const
+{
+    return m_members.value(memberId, Msg::kUnknownRow.arg(memberId));
+}
+
+QString ChartNames::loginId(int memberId) const
+{
+    return m_logins.value(memberId);
+}
+
+QString ChartNames::rank(int rankId) const
+{
+    return m_ranks.value(rankId, rankId < 0 ? Msg::kNoRank : Msg::kUnknownRow.arg(rankId));
+}
+
+QString ChartNames::folder(int folderId) const
+{
+    return m_folders.value(folderId, Msg::kUnknownRow.arg(folderId));
+}
+
+QString ChartNames::row(ChartTable table, ChartFingerprint::Key key) const
+{
+    const int id = static_cast<int>(key);
+    switch (table) {
+    case ChartTable::Groups:
+        return group(id);
+    case ChartTable::Members:
+        return member(id);
+    case ChartTable::Relations:
+        return Msg::kRelationName.arg(member(ChartFingerprint::high(key)), group(ChartFingerprint::low(key)));
+    case ChartTable::Ranks:
+        return rank(id);
+    case ChartTable::Folders:
+        return folder(id);
+    case ChartTable::GroupAuthorities:
+        return Msg::kAuthorityName.arg(folder(ChartFingerprint::high(key)), group(ChartFingerprint::low(key)));
+    case ChartTable::UserAuthorities:
+        return Msg::kAuthorityName.arg(folder(ChartFingerprint::high(key)), member(ChartFingerprint::low(key)));
+    }
+    return {};
+}
+
+QString ChartNames::field(ChartTable table, int field)
+{
+    switch (table) {
+    case ChartTable::Groups:
+        return field == ChartFields::GroupName  ? Msg::kFieldName
+            : field == ChartFields::GroupParent ? Msg::kFieldParent
+                                                : Msg::kFieldOrder;
+    case ChartTable::Members:
+        return MemberColumns::header(field);
+    case ChartTable::Relations:
+        return field == ChartFields::RelationRank ? Msg::kFieldRank : Msg::kFieldOrder;
+    case ChartTable::Ranks:
+        return field == ChartFields::RankName ? Msg::kFieldName : Msg::kFieldOrder;
+    case ChartTable::Folders:
+        return Msg::kFieldPath;
+    case ChartTable::GroupAuthorities:
+    case ChartTable::UserAuthorities:
+        break;
+    }
+    return Msg::kFieldLevel;
+}
+
+QString ChartNames::table(ChartTable table)
+{
+    const QString names[kChartTableCount] = {Msg::kTableGroups, Msg::kTableMembers, Msg::kTableRelations,
+        Msg::kTableRanks, Msg::kTableFolders, Msg::kTableGroupAuthorities, Msg::kTableUserAuthorities};
+    return names[static_cast<int>(table)];
+}
+
+namespace ChartDiff {
+namespace {
+
+// The fields that tell a row's content; places in an order are not among them.
+bool isPlace(ChartTable table, int field)
+{
+    return (table == ChartTable::Groups && field == ChartFields::GroupPosition)
+        || (table == ChartTable::Relations && field == ChartFields::RelationPosition)
+        || (table == ChartTable::Ranks && field == ChartFields::RankOrder);
+}
+
+void describe(RowChange& change, const ChartNames& names)
+{
+    const ChartFingerprint::Key key = change.key;
+    change.name = names.row(change.table, key);
+    switch (change.table) {
+    case ChartTable::Groups:
+        change.department = names.group(static_cast<int>(key));
+        break;
+    case ChartTable::Members:
+        change.loginId = names.loginId(static_cast<int>(key));
+        break;
+    case ChartTable::Relations:
+        change.loginId = names.loginId(ChartFingerprint::high(key));
+        change.department = names.group(ChartFingerprint::low(key));
+        break;
+    case ChartTable::GroupAuthorities:
+        change.department = names.group(ChartFingerprint::low(key));
+        break;
+    case ChartTable::UserAuthorities:
+        change.loginId = names.loginId(ChartFingerprint::low(key));
+        break;
+    case ChartTable::Ranks:
+    case ChartTable::Folders:
+        break;
+    }
+}
+
+} // namespace
+
+std::vector<RowChange> between(const ChartFingerprint& before, const ChartTables& after, const ChartNames& names)
+{
+    const ChartFingerprint now = ChartFingerprint::of(after);
+    std::vector<RowChange> changes;
+    for (int t = 0; t < kChartTableCount; ++t) {
+        const auto table = static_cast<ChartTable>(t);
+        const int fields = ChartFields::count(table);
+        std::vector<RowChange> found;
+        now.forEachKey(table, [&](ChartFingerprint::Key key) {
+            const qint64* old = before.row(table, key);
+            const qint64* current = now.row(table, key);
+            RowChange change {table, old ? RowChange::Kind::Changed : RowChange::Kind::Added, key, {}, {}, {}, {}};
+            for (int f = 0; old && f < fields; ++f) {
+                if (old[f] != current[f] && !isPlace(table, f))
+                    change.fields << ChartNames::field(table, f);
+            }
+            if (!old || !change.fields.isEmpty())
+                found.push_back(std::move(change));
+        });
+        before.forEachKey(table, [&](ChartFingerprint::Key key) {
+            if (!now.row(table, key))
+                found.push_back({table, RowChange::Kind::Removed, key, {}, {}, {}, {}});
+        });
+        std::sort(found.begin(), found.end(), [](const RowChange& a, const RowChange& b) { return a.key < b.key; });
+        for (RowChange& change : found) {
+            describe(change, names);
+            changes.push_back(std::move(change));
+        }
+    }
+    return changes;
+}
+
+QString summaryText(const ChartFingerprint::Summary& summary)
+{
+    const auto of = [&summary](ChartTable table) { return summary[static_cast<size_t>(table)]; };
+    const ChartFingerprint::Counts groups = of(ChartTable::Groups);
+    const ChartFingerprint::Counts members = of(ChartTable::Members);
+    const ChartFingerprint::Counts relations = of(ChartTable::Relations);
+    const ChartFingerprint::Counts ranks = of(ChartTable::Ranks);
+    ChartFingerprint::Counts permissions = of(ChartTable::GroupAuthorities);
+    permissions.added += of(ChartTable::UserAuthorities).added;
+    permissions.changed += of(ChartTable::UserAuthorities).changed;
+    permissions.removed += of(ChartTable::UserAuthorities).removed;
+    return Msg::kSaveSummary.arg(groups.added)
+               .arg(groups.changed)
+               .arg(groups.removed)
+               .arg(members.added)
+               .arg(members.changed)
+               .arg(members.removed)
+               .arg(relations.added)
+               .arg(relations.changed)
+               .arg(relations.removed)
+        + u'\n' + Msg::kSaveSummaryRanks.arg(ranks.added).arg(ranks.changed).arg(ranks.moved).arg(ranks.removed) + u'\n'
+        + Msg::kSaveSummaryPermissions.arg(permissions.added).arg(permissions.changed).arg(permissions.removed)
+        + QStringLiteral("\n\n") + Msg::kSaveSummaryCheck;
+}
+
+} // namespace ChartDiff
+} // namespace sable

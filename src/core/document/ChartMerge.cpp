@@ -1,0 +1,604 @@
+#include "document/ChartMerge.h"
+
+#include "Messages.h"
+#include "document/MergeOrder.h"
+
+#include <QHash>
+#include <QSet>
+
+#include <algorithm>
+
+namespace sable {
+namespace {
+
+using Key = ChartFingerprint::Key;
+using Kind = MergeConflict::Kind;
+constexpr int kMaxFields = ChartFields::kMemberFieldCount;
+
+// Which side a row, or the value of a row that refers to another, comes from.
+enum class Side
+{
+    Neither, // as read: both sides left it
+    Mine,
+    Theirs,
+};
+
+struct RankRow
+{
+    RankRecord rank;
+    int order = 0;
+};
+
+// How the merge sees the rows of each table: their key, their prints, a field copied from one row to
+// another, and a field as the administrator reads it.
+struct GroupTraits
+{
+    using Row = GroupRow;
+    static constexpr ChartTable kTable = ChartTable::Groups;
+    static Key key(const Row& row) { return row.K_GroupID; }
+    static void print(const Row& row, qint64* out) { ChartFingerprint::printGroup(row, out); }
+    static void copy(Row& to, const Row& from, int field)
+    {
+        if (field == ChartFields::GroupName)
+            to.GroupName = from.GroupName;
+        else if (field == ChartFields::GroupParent)
+            to.K_GroupID_P = from.K_GroupID_P;
+    }
+    static QString text(const Row& row, int field, const ChartNames& names)
+    {
+        if (field == ChartFields::GroupName)
+            return row.GroupName;
+        return row.K_GroupID_P < 0 ? Msg::kTopLevel : names.group(row.K_GroupID_P);
+    }
+};
+
+struct MemberTraits
+{
+    using Row = MemberRecord;
+    static constexpr ChartTable kTable = ChartTable::Members;
+    static Key key(const Row& row) { return row.K_MemberID; }
+    static void print(const Row& row, qint64* out) { ChartFingerprint::printMember(row, out); }
+    static void copy(Row& to, const Row& from, int field)
+    {
+        MemberColumns::setText(to, field, MemberColumns::text(from, field));
+    }
+    static QString text(const Row& row, int field, const ChartNames&)
+    {
+        // The administrator chooses between two passwords without reading either.
+        return field == ColPasswd ? Msg::kMergePasswordHidden : MemberColumns::text(row, field);
+    }
+};
+
+struct RelationTraits
+{
+    using Row = RelationRow;
+    static constexpr ChartTable kTable = ChartTable::Relations;
+    static Key key(const Row& row) { return ChartFingerprint::relationKey(row.K_MemberID, row.K_GroupID); }
+    static void print(const Row& row, qint64* out) { ChartFingerprint::printRelation(row, out); }
+    static void copy(Row& to, const Row& from, int field)
+    {
+        if (field == ChartFields::RelationRank)
+            to.K_RankID = from.K_RankID;
+    }
+    static QString text(const Row& row, int, const ChartNames& names) { return names.rank(row.K_RankID); }
+};
+
+struct RankTraits
+{
+    using Row = RankRow;
+    static constexpr ChartTable kTable = ChartTable::Ranks;
+    static Key key(const Row& row) { return row.rank.K_RankID; }
+    static void print(const Row& row, qint64* out) { ChartFingerprint::printRank(row.rank, row.order, out); }
+    static void copy(Row& to, const Row& from, int field)
+    {
+        if (field == ChartFields::RankName)
+            to.rank.RankName = from.rank.RankName;
+    }
+    static QString text(const Row& row, int, const ChartNames&) { return row.rank.RankName; }
+};
+
+struct FolderTraits
+{
+    using Row = FolderRecord;
+    static constexpr ChartTable kTable = ChartTable::Folders;
+    static Key key(const Row& row) { return row.K_FolderID; }
+    static void print(const Row& row, qint64* out) { ChartFingerprint::printFolder(row, out); }
+    static void copy(Row& to, const Row& from, int) { to.FolderPath = from.FolderPath; }
+    static QString text(const Row& row, int, const ChartNames&) { return row.FolderPath; }
+};
+
+template <ChartTable T>
+struct AuthorityTraits
+{
+    using Row = AuthorityRecord;
+    static constexpr ChartTable kTable = T;
+    static Key key(const Row& row) { return ChartFingerprint::authorityKey(row.K_FolderID, row.grantee); }
+    static void print(const Row& row, qint64* out) { ChartFingerprint::printAuthority(row, out); }
+    static void copy(Row& to, const Row& from, int) { to.level = from.level; }
+    static QString text(const Row& row, int, const ChartNames&) { return FileBoxLists::levelName(row.level); }
+};
+
+bool isPlace(ChartTable table, int field)
+{
+    return (table == ChartTable::Groups && field == ChartFields::GroupPosition)
+        || (table == ChartTable::Relations && field == ChartFields::RelationPosition)
+        || (table == ChartTable::Ranks && field == ChartFields::RankOrder);
+}
+
+std::vector<RankRow> rankRows(const RankList& ranks)
+{
+    std::vector<RankRow> rows;
+    for (int i = 0; i < ranks.count(); ++i)
+        rows.push_back({ranks.at(i), i});
+    return rows;
+}
+
+// The rows of one table from both sides, by key, with the side each merged row comes from.
+template <typename Traits>
+struct Merged
+{
+    static constexpr ChartTable kTable = Traits::kTable;
+    QHash<Key, typename Traits::Row> rows;
+    QHash<Key, Side> introducedBy; // who added the row, or changed what it refers to
+};
+
+} // namespace
+
+// One pass of the merge under the decisions made so far; conflicts it meets for the first time are
+// added, decided for this console's side.
+class ChartMerge::Engine
+{
+public:
+    Engine(const ChartFingerprint& base, const ChartTables& mine, const ChartTables& theirs,
+        std::vector<MergeConflict>& conflicts)
+        : m_base(base)
+        , m_mine(mine)
+        , m_theirs(theirs)
+        , m_mineRanks(rankRows(mine.ranks))
+        , m_theirRanks(rankRows(theirs.ranks))
+        , m_names(mine, theirs)
+        , m_conflicts(conflicts)
+    { }
+
+    ChartTables run(QStringList* dropped);
+
+private:
+    template <typename Traits>
+    void mergeTable(const std::vector<typename Traits::Row>& mine, const std::vector<typename Traits::Row>& theirs,
+        Merged<Traits>& out);
+    template <typename Traits>
+    void mergeRow(Key key, const typename Traits::Row* mine, const typename Traits::Row* theirs, Merged<Traits>& out);
+
+    bool decide(
+        ChartTable table, Key key, Kind kind, const QStringList& fields, const QString& mine, const QString& theirs);
+    bool settleReferences(QStringList* dropped);
+    bool settleReference(ChartTable table, Key key, Side referrer);
+    template <typename Traits>
+    bool restore(Merged<Traits>& merged, const std::vector<typename Traits::Row>& mine,
+        const std::vector<typename Traits::Row>& theirs, Key key, bool fromMine);
+    void orderChildren();
+    ChartTables assemble() const;
+
+    const ChartFingerprint& m_base;
+    const ChartTables& m_mine;
+    const ChartTables& m_theirs;
+    const std::vector<RankRow> m_mineRanks;
+    const std::vector<RankRow> m_theirRanks;
+    const ChartNames m_names;
+    std::vector<MergeConflict>& m_conflicts;
+
+    Merged<GroupTraits> m_groups;
+    Merged<MemberTraits> m_members;
+    Merged<RelationTraits> m_relations;
+    Merged<RankTraits> m_ranks;
+    Merged<FolderTraits> m_folders;
+    Merged<AuthorityTraits<ChartTable::GroupAuthorities>> m_groupAuthorities;
+    Merged<AuthorityTraits<ChartTable::UserAuthorities>> m_userAuthorities;
+    std::vector<Key> m_rankOrder;
+};
+
+bool ChartMerge::Engine::decide(
+    ChartTable table, Key key, Kind kind, const QStringList& fields, const QString& mine, const QString& theirs)
+{
+    for (const MergeConflict& conflict : m_conflicts) {
+        if (conflict.table == table && conflict.key == key && conflict.kind == kind)
+            return conflict.bKeepMine;
+    }
+    m_conflicts.push_back({table, key, kind, m_names.row(table, key), fields, mine, theirs, true});
+    return true;
+}
+
+template <typename Traits>
+void ChartMerge::Engine::mergeTable(
+    const std::vector<typename Traits::Row>& mine, const std::vector<typename Traits::Row>& theirs, Merged<Traits>& out)
+{
+    QHash<Key, const typename Traits::Row*> mineByKey;
+    mineByKey.reserve(static_cast<qsizetype>(mine.size()));
+    for (const auto& row : mine)
+        mineByKey.insert(Traits::key(row), &row);
+    QHash<Key, const typename Traits::Row*> theirsByKey;
+    theirsByKey.reserve(static_cast<qsizetype>(theirs.size()));
+    for (const auto& row : theirs)
+        theirsByKey.insert(Traits::key(row), &row);
+    out.rows.reserve(static_cast<qsizetype>(std::max(mine.size(), theirs.size())));
+    for (auto it = theirsByKey.cbegin(); it != theirsByKey.cend(); ++it)
+        mergeRow<Traits>(it.key(), mineByKey.value(it.key()), it.value(), out);
+    for (auto it = mineByKey.cbegin(); it != mineByKey.cend(); ++it) {
+        if (!theirsByKey.contains(it.key()))
+            mergeRow<Traits>(it.key(), it.value(), nullptr, out);
+    }
+    // Rows both sides removed are gone; nothing to do for them.
+}
+
+template <typename Traits>
+void ChartMerge::Engine::mergeRow(
+    Key key, const typename Traits::Row* mine, const typename Traits::Row* theirs, Merged<Traits>& out)
+{
+    constexpr ChartTable table = Traits::kTable;
+    const int count = ChartFields::count(table);
+    const qint64* base = m_base.row(table, key);
+    qint64 minePrint[kMaxFields] = {};
+    qint64 theirPrint[kMaxFields] = {};
+    if (mine)
+        Traits::print(*mine, minePrint);
+    if (theirs)
+        Traits::print(*theirs, theirPrint);
+    QStringList changedBoth;
+    std::vector<int> bothFields;
+    std::vector<int> mineOnly;
+    std::vector<int> mineChanged;
+    std::vector<int> theirChanged;
+    for (int f = 0; f < count; ++f) {
+        if (isPlace(table, f))
+            continue;
+        const bool m = mine && (!base || minePrint[f] != base[f]);
+        const bool t = theirs && (!base || theirPrint[f] != base[f]);
+        if (m)
+            mineChanged.push_back(f);
+        if (t)
+            theirChanged.push_back(f);
+        if (m && t && minePrint[f] != theirPrint[f]) {
+            changedBoth << ChartNames::field(table, f);
+            bothFields.push_back(f);
+        } else if (m && !t) {
+            mineOnly.push_back(f);
+        }
+    }
+    const bool bMineChanged = !mineChanged.empty();
+    const bool bTheirsChanged = !theirChanged.empty();
+    // The values in question: those changed on both sides, or the changes of the side that kept the row.
+    const auto describe = [&](const typename Traits::Row* row, const std::vector<int>& fields) {
+        QStringList values;
+        for (const int f : fields)
+            values << ChartNames::field(table, f) + QStringLiteral(": ") + Traits::text(*row, f, m_names);
+        return values.join(QStringLiteral(", "));
+    };
+    if (mine && theirs) {
+        typename Traits::Row row = *theirs;
+        for (const int f : mineOnly)
+            Traits::copy(row, *mine, f);
+        if (!bothFields.empty()
+            && decide(
+                table, key, Kind::BothChanged, changedBoth, describe(mine, bothFields), describe(theirs, bothFields))) {
+            for (const int f : bothFields)
+                Traits::copy(row, *mine, f);
+        }
+        out.rows.insert(key, row);
+        const bool parentFromMine = table == ChartTable::Groups
+            && std::find(mineOnly.begin(), mineOnly.end(), ChartFields::GroupParent) != mineOnly.end();
+        out.introducedBy.insert(key,
+            !base                ? Side::Mine
+                : parentFromMine ? Side::Mine
+                                 : (bTheirsChanged ? Side::Theirs : Side::Neither));
+        return;
+    }
+    const typename Traits::Row* only = mine ? mine : theirs;
+    if (!base) {
+        // New on one side only.
+        out.rows.insert(key, *only);
+        out.introducedBy.insert(key, mine ? Side::Mine : Side::Theirs);
+        return;
+    }
+    // Removed on one side: the other side's change of the row holds it back, if the administrator says so.
+    const bool bKeptSideChanged = mine ? bMineChanged : bTheirsChanged;
+    if (!bKeptSideChanged)
+        return;
+    const bool bKeepMine = mine
+        ? decide(table, key, Kind::ChangedHereRemovedThere, {}, describe(mine, mineChanged), Msg::kMergeRemoved)
+        : decide(table, key, Kind::RemovedHereChangedThere, {}, Msg::kMergeRemoved, describe(theirs, theirChanged));
+    if (bKeepMine == (mine != nullptr)) {
+        out.rows.insert(key, *only);
+        out.introducedBy.insert(key, mine ? Side::Mine : Side::Theirs);
+    }
+}
+
+template <typename Traits>
+bool ChartMerge::Engine::restore(Merged<Traits>& merged, const std::vector<typename Traits::Row>& mine,
+    const std::vector<typename Traits::Row>& theirs, Key key, bool fromMine)
+{
+    for (const auto& row : fromMine ? mine : theirs) {
+        if (Traits::key(row) == key) {
+            merged.rows.insert(key, row);
+            merged.introducedBy.insert(key, Side::Neither);
+            return true;
+        }
+    }
+    return false;
+}
+
+// A row refers to `key` of `table`, which the merge left out: when one side removed it while the
+// other relied on it, the administrator decides; true when it is back.
+bool ChartMerge::Engine::settleReference(ChartTable table, Key key, Side referrer)
+{
+    if (referrer == Side::Neither || !m_base.row(table, key))
+        return false;
+    // The side that did not refer to it is the side that removed it.
+    const bool bRemovedThere = referrer == Side::Mine;
+    const QString there = Msg::kMergeRemoved;
+    const QString here = Msg::kMergeStillUsed;
+    const bool bKeepMine = bRemovedThere ? decide(table, key, Kind::UsedHereRemovedThere, {}, here, there)
+                                         : decide(table, key, Kind::RemovedHereUsedThere, {}, there, here);
+    const bool bBack = bKeepMine == bRemovedThere;
+    if (!bBack)
+        return false;
+    switch (table) {
+    case ChartTable::Groups:
+        return restore(m_groups, m_mine.groups, m_theirs.groups, key, bRemovedThere);
+    case ChartTable::Members:
+        return restore(m_members, m_mine.members, m_theirs.members, key, bRemovedThere);
+    case ChartTable::Ranks:
+        return restore(m_ranks, m_mineRanks, m_theirRanks, key, bRemovedThere);
+    case ChartTable::Folders:
+        return restore(m_folders, m_mine.fileBox.folders, m_theirs.fileBox.folders, key, bRemovedThere);
+    case ChartTable::Relations:
+    case ChartTable::GroupAuthorities:
+    case ChartTable::UserAuthorities:
+        break;
+    }
+    return false;
+}
+
+// Rows that refer to a department, a user, a rank or a folder the merge left out: brought back by a
+// decision, or left out themselves. Returns whether anything changed (another pass is needed).
+bool ChartMerge::Engine::settleReferences(QStringList* dropped)
+{
+    bool bChanged = false;
+    const auto drop = [&](ChartTable table, Key key) {
+        if (dropped)
+            *dropped << m_names.row(table, key);
+        bChanged = true;
+    };
+    for (auto it = m_groups.rows.begin(); it != m_groups.rows.end();) {
+        const int parent = it->K_GroupID_P;
+        if (parent < 0 || m_groups.rows.contains(parent)
+            || settleReference(ChartTable::Groups, parent, m_groups.introducedBy.value(it.key()))) {
+            ++it;
+            continue;
+        }
+        // A department that only moved goes back where the other side has it; a new one goes.
+        const qint64* base = m_base.row(ChartTable::Groups, it.key());
+        if (base && m_groups.rows.contains(base[ChartFields::GroupParent])
+            && base[ChartFields::GroupParent] != parent) {
+            it->K_GroupID_P = static_cast<int>(base[ChartFields::GroupParent]);
+            m_groups.introducedBy[it.key()] = Side::Neither;
+            bChanged = true;
+            ++it;
+            continue;
+        }
+        drop(ChartTable::Groups, it.key());
+        it = m_groups.rows.erase(it);
+    }
+    for (auto it = m_relations.rows.begin(); it != m_relations.rows.end();) {
+        const Side by = m_relations.introducedBy.value(it.key());
+        const bool bMember
+            = m_members.rows.contains(it->K_MemberID) || settleReference(ChartTable::Members, it->K_MemberID, by);
+        const bool bGroup
+            = m_groups.rows.contains(it->K_GroupID) || settleReference(ChartTable::Groups, it->K_GroupID, by);
+        if (!bMember || !bGroup) {
+            drop(ChartTable::Relations, it.key());
+            it = m_relations.rows.erase(it);
+            continue;
+        }
+        // A rank removed elsewhere leaves the membership without a rank, as deleting a rank does.
+        if (it->K_RankID >= 0 && !m_ranks.rows.contains(it->K_RankID)
+            && !settleReference(ChartTable::Ranks, it->K_RankID, by)) {
+            it->K_RankID = -1;
+            bChanged = true;
+        }
+        ++it;
+    }
+    const auto settleAuthorities = [&](auto& merged, ChartTable granteeTable, const auto& grantees) {
+        for (auto it = merged.rows.begin(); it != merged.rows.end();) {
+            const Side by = merged.introducedBy.value(it.key());
+            const bool bFolder
+                = m_folders.rows.contains(it->K_FolderID) || settleReference(ChartTable::Folders, it->K_FolderID, by);
+            const bool bGrantee = grantees.rows.contains(it->grantee) || settleReference(granteeTable, it->grantee, by);
+            if (bFolder && bGrantee) {
+                ++it;
+                continue;
+            }
+            drop(merged.kTable, it.key());
+            it = merged.rows.erase(it);
+        }
+    };
+    settleAuthorities(m_groupAuthorities, ChartTable::Groups, m_groups);
+    settleAuthorities(m_userAuthorities, ChartTable::Members, m_members);
+    return bChanged;
+}
+
+ChartTables ChartMerge::Engine::run(QStringList* dropped)
+{
+    mergeTable<GroupTraits>(m_mine.groups, m_theirs.groups, m_groups);
+    mergeTable<MemberTraits>(m_mine.members, m_theirs.members, m_members);
+    mergeTable<RelationTraits>(m_mine.relations, m_theirs.relations, m_relations);
+    mergeTable<RankTraits>(m_mineRanks, m_theirRanks, m_ranks);
+    mergeTable<FolderTraits>(m_mine.fileBox.folders, m_theirs.fileBox.folders, m_folders);
+    mergeTable<AuthorityTraits<ChartTable::GroupAuthorities>>(
+        m_mine.fileBox.groupAuthorities, m_theirs.fileBox.groupAuthorities, m_groupAuthorities);
+    mergeTable<AuthorityTraits<ChartTable::UserAuthorities>>(
+        m_mine.fileBox.userAuthorities, m_theirs.fileBox.userAuthorities, m_userAuthorities);
+    // A row brought back may refer to another that was left out: settle until nothing moves.
+    for (int pass = 0; pass < 16 && settleReferences(dropped); ++pass) { }
+    MergeOrder::breakParentLoops(m_groups.rows, m_theirs.groups);
+    orderChildren();
+    return assemble();
+}
+
+void ChartMerge::Engine::orderChildren()
+{
+    const auto bothReordered = [this](ChartTable table, Key key) {
+        return decide(
+            table, key, Kind::OrderChangedBoth, {Msg::kFieldOrder}, Msg::kMergeOrderMine, Msg::kMergeOrderTheirs);
+    };
+    MergeOrder::placeChildren({m_base, m_mine, m_theirs}, m_groups.rows, m_relations.rows,
+        [&](int parent) { return bothReordered(ChartTable::Groups, parent); });
+    m_rankOrder = MergeOrder::rankOrder(m_base, m_mine.ranks, m_theirs.ranks, m_ranks.rows.keys(),
+        [&] { return bothReordered(ChartTable::Ranks, MergeOrder::kRankOrderKey); });
+}
+
+ChartTables ChartMerge::Engine::assemble() const
+{
+    ChartTables out;
+    // Existing rows in the database's order, new ones of this console after them in its order.
+    const auto inOrder = [](const auto& merged, const auto& theirs, const auto& mine, auto key, auto& into) {
+        QSet<Key> placed;
+        for (const auto& row : theirs) {
+            const auto found = merged.rows.constFind(key(row));
+            if (found != merged.rows.cend() && !placed.contains(key(row))) {
+                into.push_back(*found);
+                placed.insert(key(row));
+            }
+        }
+        for (const auto& row : mine) {
+            const auto found = merged.rows.constFind(key(row));
+            if (found != merged.rows.cend() && !placed.contains(key(row))) {
+                into.push_back(*found);
+                placed.insert(key(row));
+            }
+        }
+    };
+    inOrder(m_members, m_theirs.members, m_mine.members, &MemberTraits::key, out.members);
+    inOrder(m_groups, m_theirs.groups, m_mine.groups, &GroupTraits::key, out.groups);
+    inOrder(m_relations, m_theirs.relations, m_mine.relations, &RelationTraits::key, out.relations);
+    inOrder(m_folders, m_theirs.fileBox.folders, m_mine.fileBox.folders, &FolderTraits::key, out.fileBox.folders);
+    inOrder(m_groupAuthorities, m_theirs.fileBox.groupAuthorities, m_mine.fileBox.groupAuthorities,
+        &AuthorityTraits<ChartTable::GroupAuthorities>::key, out.fileBox.groupAuthorities);
+    inOrder(m_userAuthorities, m_theirs.fileBox.userAuthorities, m_mine.fileBox.userAuthorities,
+        &AuthorityTraits<ChartTable::UserAuthorities>::key, out.fileBox.userAuthorities);
+    for (const Key key : m_rankOrder)
+        out.ranks.insert(out.ranks.count(), m_ranks.rows.value(key).rank);
+    out.orderGroups();
+    return out;
+}
+
+// --- ChartMerge ---------------------------------------------------------------------------------------
+
+ChartMerge::ChartMerge(ChartFingerprint base, ChartTables mine, std::shared_ptr<const ChartTables> theirs)
+    : m_base(std::move(base))
+    , m_mine(std::move(mine))
+    , m_theirs(std::move(theirs))
+{
+    const ChartNames names(m_mine, *m_theirs);
+    m_theirChanges = ChartDiff::between(m_base, *m_theirs, names);
+    renumberMine();
+    m_myChanges = ChartDiff::between(m_base, m_mine, ChartNames(m_mine, *m_theirs));
+    findConflicts();
+}
+
+ChartMerge::~ChartMerge() = default;
+
+void ChartMerge::findConflicts()
+{
+    // A decision can bring back a row that refers to another one: run until no new conflict shows.
+    for (size_t known = static_cast<size_t>(-1); known != m_conflicts.size();) {
+        known = m_conflicts.size();
+        Engine(m_base, m_mine, *m_theirs, m_conflicts).run(nullptr);
+    }
+}
+
+void ChartMerge::decideAll(bool bKeepMine)
+{
+    for (MergeConflict& conflict : m_conflicts)
+        conflict.bKeepMine = bKeepMine;
+}
+
+ChartTables ChartMerge::result(QStringList* dropped) const
+{
+    std::vector<MergeConflict> decisions = m_conflicts;
+    return Engine(m_base, m_mine, *m_theirs, decisions).run(dropped);
+}
+
+QList<int> ChartMerge::stillDeleted(const QList<int>& deleted, ChartTable table, const ChartTables& merged) const
+{
+    QSet<int> present;
+    if (table == ChartTable::Members) {
+        for (const MemberRecord& member : merged.members)
+            present.insert(member.K_MemberID);
+    } else {
+        for (const GroupRow& group : merged.groups)
+            present.insert(group.K_GroupID);
+    }
+    QList<int> out;
+    for (const int id : deleted) {
+        if (!present.contains(id))
+            out << id;
+    }
+    return out;
+}
+
+void ChartMerge::renumberMine()
+{
+    const auto greatest = [this](ChartTable table, const auto& mineIds, const auto& theirIds) {
+        int top = 0;
+        m_base.forEachKey(table, [&top](Key key) { top = std::max(top, static_cast<int>(key)); });
+        for (const int id : mineIds)
+            top = std::max(top, id);
+        for (const int id : theirIds)
+            top = std::max(top, id);
+        return top;
+    };
+    QList<int> mineGroups, theirGroups, mineMembers, theirMembers, mineRanks, theirRanks, mineFolders, theirFolders;
+    for (const GroupRow& g : m_mine.groups)
+        mineGroups << g.K_GroupID;
+    for (const GroupRow& g : m_theirs->groups)
+        theirGroups << g.K_GroupID;
+    for (const MemberRecord& m : m_mine.members)
+        mineMembers << m.K_MemberID;
+    for (const MemberRecord& m : m_theirs->members)
+        theirMembers << m.K_MemberID;
+    for (const RankRecord& r : m_mine.ranks.ranks())
+        mineRanks << r.K_RankID;
+    for (const RankRecord& r : m_theirs->ranks.ranks())
+        theirRanks << r.K_RankID;
+    for (const FolderRecord& f : m_mine.fileBox.folders)
+        mineFolders << f.K_FolderID;
+    for (const FolderRecord& f : m_theirs->fileBox.folders)
+        theirFolders << f.K_FolderID;
+    // A number is renumbered when this console made it and the database holds it by now.
+    const auto plan = [&](ChartTable table, const QList<int>& mine, const QList<int>& theirs) {
+        QHash<int, int> moves;
+        const QSet<int> taken(theirs.begin(), theirs.end());
+        int next = greatest(table, mine, theirs);
+        for (const int id : mine) {
+            if (!m_base.row(table, id) && taken.contains(id) && !moves.contains(id))
+                moves.insert(id, ++next);
+        }
+        return moves;
+    };
+    const QHash<int, int> groups = plan(ChartTable::Groups, mineGroups, theirGroups);
+    const QHash<int, int> members = plan(ChartTable::Members, mineMembers, theirMembers);
+    const QHash<int, int> ranks = plan(ChartTable::Ranks, mineRanks, theirRanks);
+    const QHash<int, int> folders = plan(ChartTable::Folders, mineFolders, theirFolders);
+    const ChartNames names(m_mine);
+    const auto note = [&](ChartTable table, const QHash<int, int>& moves, const auto& nameOf) {
+        for (auto it = moves.cbegin(); it != moves.cend(); ++it)
+            m_renumbered.push_back({table, nameOf(it.key()), it.key(), it.value()});
+    };
+    note(ChartTable::Groups, groups, [&](int id) { return names.group(id); });
+    note(ChartTable::Members, members, [&](int id) { return names.member(id); });
+    note(ChartTable::Ranks, ranks, [&](int id) { return names.rank(id); });
+    note(ChartTable::Folders, folders, [&](int id) { return names.folder(id); });
+    MergeOrder::renumber(m_mine, groups, members, ranks, folders);
+}
+
+} // namespace sable

@@ -1,0 +1,98 @@
+#include "document/ChartTables.h"
+
+#include "db/DbConnection.h"
+#include "document/CSableManagerDoc.h"
+#include "filebox/FileBoxStore.h"
+#include "orgchart/ChartBuilder.h"
+#include "orgchart/ChartStore.h"
+#include "orgchart/RankStore.h"
+
+#include <QHash>
+
+#include <algorithm>
+
+namespace sable {
+namespace {
+
+template <typename Row, typename Decode>
+bool readAll(DbConnection& connection, const QString& sql, std::vector<Row>& rows, Decode decode)
+{
+    DbRecordset records = connection.execute(sql);
+    if (!records.isValid())
+        return false;
+    for (; !records.isEof(); records.moveNext())
+        rows.push_back(decode(records));
+    return true;
+}
+
+} // namespace
+
+ChartTables ChartTables::of(const OrgChart& chart, const RankList& ranks, const FileBoxLists& fileBox)
+{
+    ChartTables tables;
+    tables.groups = ChartRows::groups(chart);
+    tables.members = ChartRows::members(chart);
+    tables.relations = ChartRows::relations(chart);
+    tables.ranks = ranks;
+    tables.fileBox = fileBox;
+    tables.orderGroups();
+    return tables;
+}
+
+std::optional<ChartTables> ChartTables::read(DbConnection& connection)
+{
+    ChartTables tables;
+    const bool ok = readAll(connection, ChartStore::membersQuery(), tables.members, &ChartStore::memberAt)
+        && readAll(connection, ChartStore::groupsQuery(), tables.groups, &ChartStore::groupAt)
+        && readAll(connection, ChartStore::relationsQuery(), tables.relations, &ChartStore::relationAt)
+        && RankStore::load(connection, tables.ranks) && FileBoxStore::load(connection, tables.fileBox);
+    if (!ok)
+        return std::nullopt;
+    return tables;
+}
+
+ChartContents ChartTables::toContents() const
+{
+    ChartContents contents;
+    ChartBuilder builder(*contents.chart);
+    for (const MemberRecord& member : members)
+        builder.addMember(member);
+    for (const GroupRow& group : groups)
+        builder.addGroup(group);
+    for (const RelationRow& relation : relations)
+        builder.addRelation(relation);
+    builder.finish();
+    contents.ranks = ranks;
+    contents.fileBox = fileBox;
+    return contents;
+}
+
+void ChartTables::orderGroups()
+{
+    QHash<int, size_t> indexById;
+    for (size_t i = 0; i < groups.size(); ++i)
+        indexById.insert(groups[i].K_GroupID, i);
+    // Depths from the parents, remembered as they are found; a loop of parents counts as the top.
+    std::vector<int> depth(groups.size(), -1);
+    for (size_t i = 0; i < groups.size(); ++i) {
+        std::vector<size_t> path;
+        size_t at = i;
+        while (depth[at] < 0 && path.size() <= groups.size()) {
+            path.push_back(at);
+            const auto parent = indexById.constFind(groups[at].K_GroupID_P);
+            if (parent == indexById.cend() || *parent == at)
+                break;
+            at = *parent;
+        }
+        int next = depth[at] >= 0 && path.back() != at ? depth[at] + 1 : 0;
+        for (auto it = path.rbegin(); it != path.rend(); ++it)
+            depth[*it] = next++;
+    }
+    for (size_t i = 0; i < groups.size(); ++i)
+        groups[i].Depth = depth[i];
+    std::stable_sort(groups.begin(), groups.end(), [](const GroupRow& a, const GroupRow& b) {
+        return std::pair(a.Depth, a.Position) < std::pair(b.Depth, b.Position);
+    });
+}
+
+} // namespace sable

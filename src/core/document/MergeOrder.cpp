@@ -1,0 +1,236 @@
+#include "document/MergeOrder.h"
+
+#include <algorithm>
+#include <list>
+#include <map>
+#include <tuple>
+
+namespace sable::MergeOrder {
+namespace {
+
+using Key = ChartFingerprint::Key;
+
+// Children of one department share one list: departments by their number, members offset past
+// every department number.
+constexpr qint64 kMemberChild = qint64(1) << 40;
+
+qint64 groupChild(int groupId)
+{
+    return static_cast<qint64>(static_cast<quint32>(groupId));
+}
+
+qint64 memberChild(int memberId)
+{
+    return kMemberChild + static_cast<quint32>(memberId);
+}
+
+// A child with its place, in the order a load puts them: by place, departments before members of
+// the same place, then as they came.
+struct Placed
+{
+    qint64 position;
+    int bMember;
+    qsizetype arrival;
+    qint64 child;
+    bool operator<(const Placed& other) const
+    {
+        return std::tie(position, bMember, arrival) < std::tie(other.position, other.bMember, other.arrival);
+    }
+};
+
+using Orders = std::map<int, std::vector<Placed>>;
+
+std::vector<qint64> sorted(std::vector<Placed> placed)
+{
+    std::sort(placed.begin(), placed.end());
+    std::vector<qint64> out;
+    out.reserve(placed.size());
+    for (const Placed& p : placed)
+        out.push_back(p.child);
+    return out;
+}
+
+Orders childrenOf(const ChartTables& tables)
+{
+    Orders orders;
+    qsizetype arrival = 0;
+    for (const GroupRow& g : tables.groups)
+        orders[g.K_GroupID_P].push_back({g.Position, 0, arrival++, groupChild(g.K_GroupID)});
+    for (const RelationRow& r : tables.relations)
+        orders[r.K_GroupID].push_back({r.Position, 1, arrival++, memberChild(r.K_MemberID)});
+    return orders;
+}
+
+Orders childrenOf(const ChartFingerprint& base)
+{
+    Orders orders;
+    base.forEachKey(ChartTable::Groups, [&](Key key) {
+        const qint64* row = base.row(ChartTable::Groups, key);
+        orders[static_cast<int>(row[ChartFields::GroupParent])].push_back(
+            {row[ChartFields::GroupPosition], 0, static_cast<qsizetype>(key), groupChild(static_cast<int>(key))});
+    });
+    base.forEachKey(ChartTable::Relations, [&](Key key) {
+        const qint64* row = base.row(ChartTable::Relations, key);
+        orders[ChartFingerprint::low(key)].push_back({row[ChartFields::RelationPosition], 1,
+            static_cast<qsizetype>(ChartFingerprint::high(key)), memberChild(ChartFingerprint::high(key))});
+    });
+    return orders;
+}
+
+std::vector<qint64> orderOf(const Orders& orders, int parent)
+{
+    const auto found = orders.find(parent);
+    return found == orders.end() ? std::vector<qint64>() : sorted(found->second);
+}
+
+// The elements of `list` that are in `kept`, in their order.
+std::vector<qint64> restricted(const std::vector<qint64>& list, const QSet<qint64>& kept)
+{
+    std::vector<qint64> out;
+    for (const qint64 e : list) {
+        if (kept.contains(e))
+            out.push_back(e);
+    }
+    return out;
+}
+
+} // namespace
+
+std::vector<qint64> merge(const std::vector<qint64>& base, const std::vector<qint64>& mine,
+    const std::vector<qint64>& theirs, const QSet<qint64>& wanted, const std::function<bool()>& keepMine)
+{
+    QSet<qint64> shared(base.begin(), base.end());
+    shared.intersect(QSet<qint64>(mine.begin(), mine.end()));
+    shared.intersect(QSet<qint64>(theirs.begin(), theirs.end()));
+    const std::vector<qint64> baseOrder = restricted(base, shared);
+    const std::vector<qint64> mineOrder = restricted(mine, shared);
+    const std::vector<qint64> theirOrder = restricted(theirs, shared);
+    const bool bMineMoved = mineOrder != baseOrder;
+    const bool bTheirsMoved = theirOrder != baseOrder;
+    const bool bUseMine = bMineMoved && (!bTheirsMoved || mineOrder == theirOrder || keepMine());
+    const std::vector<qint64>& leader = bUseMine ? mine : theirs;
+    const std::vector<qint64>& other = bUseMine ? theirs : mine;
+
+    std::list<qint64> order;
+    QHash<qint64, std::list<qint64>::iterator> placed;
+    for (const qint64 e : leader) {
+        if (wanted.contains(e) && !placed.contains(e))
+            placed.insert(e, order.insert(order.end(), e));
+    }
+    // What only the other side has goes after the element it follows there.
+    auto after = order.begin();
+    bool bAtFront = true;
+    for (const qint64 e : other) {
+        const auto found = placed.constFind(e);
+        if (found != placed.cend()) {
+            after = *found;
+            bAtFront = false;
+        } else if (wanted.contains(e)) {
+            after = order.insert(bAtFront ? order.begin() : std::next(after), e);
+            placed.insert(e, after);
+            bAtFront = false;
+        }
+    }
+    std::vector<qint64> rest;
+    for (const qint64 e : wanted) {
+        if (!placed.contains(e))
+            rest.push_back(e);
+    }
+    std::sort(rest.begin(), rest.end());
+    order.insert(order.end(), rest.begin(), rest.end());
+    return {order.begin(), order.end()};
+}
+
+void placeChildren(const Input& input, QHash<Key, GroupRow>& groups, QHash<Key, RelationRow>& relations,
+    const std::function<bool(int department)>& keepMine)
+{
+    const Orders base = childrenOf(input.base);
+    const Orders mine = childrenOf(input.mine);
+    const Orders theirs = childrenOf(input.theirs);
+    std::map<int, QSet<qint64>> wanted;
+    for (const GroupRow& g : groups)
+        wanted[g.K_GroupID_P].insert(groupChild(g.K_GroupID));
+    for (const RelationRow& r : relations)
+        wanted[r.K_GroupID].insert(memberChild(r.K_MemberID));
+    for (const auto& [parent, children] : wanted) {
+        const int department = parent;
+        const std::vector<qint64> order = merge(orderOf(base, department), orderOf(mine, department),
+            orderOf(theirs, department), children, [&keepMine, department] { return keepMine(department); });
+        int position = 1;
+        for (const qint64 child : order) {
+            if (child >= kMemberChild)
+                relations[ChartFingerprint::relationKey(static_cast<int>(child - kMemberChild), department)].Position
+                    = position++;
+            else
+                groups[static_cast<int>(child)].Position = position++;
+        }
+    }
+}
+
+std::vector<Key> rankOrder(const ChartFingerprint& base, const RankList& mine, const RankList& theirs,
+    const QList<Key>& wanted, const std::function<bool()>& keepMine)
+{
+    std::vector<Placed> basePlaced;
+    base.forEachKey(ChartTable::Ranks, [&](Key key) {
+        basePlaced.push_back({base.row(ChartTable::Ranks, key)[ChartFields::RankOrder], 0, 0, key});
+    });
+    const auto listOf = [](const RankList& ranks) {
+        std::vector<qint64> out;
+        for (const RankRecord& rank : ranks.ranks())
+            out.push_back(rank.K_RankID);
+        return out;
+    };
+    return merge(
+        sorted(basePlaced), listOf(mine), listOf(theirs), QSet<qint64>(wanted.begin(), wanted.end()), keepMine);
+}
+
+void breakParentLoops(QHash<Key, GroupRow>& groups, const std::vector<GroupRow>& theirs)
+{
+    QHash<int, int> theirParent;
+    for (const GroupRow& g : theirs)
+        theirParent.insert(g.K_GroupID, g.K_GroupID_P);
+    for (auto it = groups.begin(); it != groups.end(); ++it) {
+        // Walk up; coming back to the start means a loop, which the database's own parent breaks.
+        QSet<int> seen {it->K_GroupID};
+        for (int up = it->K_GroupID_P; up >= 0 && groups.contains(up); up = groups[up].K_GroupID_P) {
+            if (seen.contains(up)) {
+                it->K_GroupID_P = theirParent.value(it->K_GroupID, -1);
+                break;
+            }
+            seen.insert(up);
+        }
+    }
+}
+
+void renumber(ChartTables& tables, const QHash<int, int>& groups, const QHash<int, int>& members,
+    const QHash<int, int>& ranks, const QHash<int, int>& folders)
+{
+    const auto moved = [](const QHash<int, int>& moves, int id) { return moves.value(id, id); };
+    for (GroupRow& g : tables.groups) {
+        g.K_GroupID = moved(groups, g.K_GroupID);
+        g.K_GroupID_P = moved(groups, g.K_GroupID_P);
+    }
+    for (MemberRecord& m : tables.members)
+        m.K_MemberID = moved(members, m.K_MemberID);
+    for (RelationRow& r : tables.relations) {
+        r.K_MemberID = moved(members, r.K_MemberID);
+        r.K_GroupID = moved(groups, r.K_GroupID);
+        r.K_RankID = moved(ranks, r.K_RankID);
+    }
+    RankList renumbered;
+    for (const RankRecord& rank : tables.ranks.ranks())
+        renumbered.insert(renumbered.count(), {moved(ranks, rank.K_RankID), rank.RankName});
+    tables.ranks = renumbered;
+    for (FolderRecord& f : tables.fileBox.folders)
+        f.K_FolderID = moved(folders, f.K_FolderID);
+    for (AuthorityRecord& a : tables.fileBox.groupAuthorities) {
+        a.K_FolderID = moved(folders, a.K_FolderID);
+        a.grantee = moved(groups, a.grantee);
+    }
+    for (AuthorityRecord& a : tables.fileBox.userAuthorities) {
+        a.K_FolderID = moved(folders, a.K_FolderID);
+        a.grantee = moved(members, a.grantee);
+    }
+}
+
+} // namespace sable::MergeOrder

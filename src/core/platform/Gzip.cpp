@@ -1,0 +1,96 @@
+#include "platform/Gzip.h"
+
+#include <QFile>
+
+#include <zlib.h>
+
+namespace sable::Gzip {
+namespace {
+
+constexpr int kGzipWindow = 15 + 16; // a gzip header and trailer around the deflate stream
+constexpr int kAnyWindow = 15 + 32; // zlib or gzip, as the header says
+constexpr qsizetype kChunk = 256 * 1024;
+
+// Inflates from `next` until the output holds a line, `limit` bytes or the stream's end.
+class Inflater
+{
+public:
+    Inflater() { m_ok = inflateInit2(&m_stream, kAnyWindow) == Z_OK; }
+    ~Inflater() { inflateEnd(&m_stream); }
+    Inflater(const Inflater&) = delete;
+    Inflater& operator=(const Inflater&) = delete;
+
+    // Feeds `input`; false when the stream is damaged or the output passed `limit`.
+    bool feed(const QByteArray& input, QByteArray& out, qint64 limit, bool bStopAtLine)
+    {
+        m_stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(input.constData()));
+        m_stream.avail_in = static_cast<uInt>(input.size());
+        while (m_ok && !m_bEnd && m_stream.avail_in > 0) {
+            const qsizetype before = out.size();
+            out.resize(before + kChunk);
+            m_stream.next_out = reinterpret_cast<Bytef*>(out.data() + before);
+            m_stream.avail_out = static_cast<uInt>(kChunk);
+            const int status = inflate(&m_stream, Z_NO_FLUSH);
+            out.resize(before + kChunk - static_cast<qsizetype>(m_stream.avail_out));
+            m_bEnd = status == Z_STREAM_END;
+            m_ok = status == Z_OK || status == Z_STREAM_END || status == Z_BUF_ERROR;
+            if (out.size() > limit || (bStopAtLine && out.indexOf('\n', before) >= 0))
+                return m_ok && bStopAtLine && out.indexOf('\n') >= 0;
+        }
+        return m_ok;
+    }
+    bool ended() const { return m_bEnd; }
+
+private:
+    z_stream m_stream {};
+    bool m_ok = false;
+    bool m_bEnd = false;
+};
+
+} // namespace
+
+QByteArray compress(const QByteArray& bytes)
+{
+    z_stream stream {};
+    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY) != Z_OK)
+        return {};
+    QByteArray out(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(bytes.size()))), Qt::Uninitialized);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.constData()));
+    stream.avail_in = static_cast<uInt>(bytes.size());
+    stream.next_out = reinterpret_cast<Bytef*>(out.data());
+    stream.avail_out = static_cast<uInt>(out.size());
+    const int status = deflate(&stream, Z_FINISH);
+    out.resize(static_cast<qsizetype>(stream.total_out));
+    deflateEnd(&stream);
+    return status == Z_STREAM_END ? out : QByteArray();
+}
+
+std::optional<QByteArray> decompress(const QByteArray& gzipped, qint64 limit)
+{
+    Inflater inflater;
+    QByteArray out;
+    if (!inflater.feed(gzipped, out, limit, false) || !inflater.ended() || out.size() > limit)
+        return std::nullopt;
+    return out;
+}
+
+std::optional<QByteArray> firstLine(const QString& path, qint64 limit)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    Inflater inflater;
+    QByteArray out;
+    while (!file.atEnd()) {
+        if (!inflater.feed(file.read(64 * 1024), out, limit, true))
+            return std::nullopt;
+        const qsizetype end = out.indexOf('\n');
+        if (end >= 0)
+            return out.first(end);
+        if (inflater.ended())
+            break;
+    }
+    return std::nullopt;
+}
+
+} // namespace sable::Gzip
