@@ -12,4 +12,5 @@ test_packages=(
     postgresql libsqliteodbc odbc-postgresql python3 xvfb xauth fonts-nanum
     python3-aiosmtpd
     supervisor g++-mingw-w64-x86-64 wine64
+    dpkg-dev file desktop-file-utils appstream man-db groff-base bsdextrautils
 )
