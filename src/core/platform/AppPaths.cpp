@@ -36,7 +36,8 @@ QString AppPaths::resolveHome(const QStringList& arguments, const QString& execu
     return resolveHome(arguments, executableFolder, builtInHome());
 }
 
-QString AppPaths::resolveHome(const QStringList& arguments, const QString& executableFolder, const QString& fallbackHome)
+QString AppPaths::resolveHome(
+    const QStringList& arguments, const QString& executableFolder, const QString& fallbackHome)
 {
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         if (arguments[i] == kHomeOption && i + 1 < arguments.size())
