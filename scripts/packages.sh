@@ -13,4 +13,5 @@ test_packages=(
     python3-aiosmtpd
     supervisor g++-mingw-w64-x86-64 wine64
     clang-format
+    dpkg-dev file desktop-file-utils appstream man-db groff-base bsdextrautils
 )

@@ -36,6 +36,8 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("SableManager"));
     QApplication::setApplicationVersion(QStringLiteral(SABLE_VERSION_STRING));
+    // Ties the windows to the installed desktop entry, for the icon and the name in the task bar.
+    QGuiApplication::setDesktopFileName(QStringLiteral(SABLE_APP_ID));
 
     const QStringList arguments = app.arguments().mid(1);
     const AppPaths paths = AppPaths::forFolder(AppPaths::resolveHome(arguments, QApplication::applicationDirPath()));

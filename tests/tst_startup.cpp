@@ -1,5 +1,5 @@
-// Start-up: the settings read and settled when the console starts, the installer switch, the
-// embedded database, the column repair and the passive-mode address.
+// Start-up: the server folder, the settings read and settled when the console starts, the installer
+// switch, the embedded database, the column repair and the passive-mode address.
 
 #include "TestSupport.h"
 #include "db/DbSchema.h"
@@ -19,6 +19,8 @@ class TestStartup : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void homeResolution_data();
+    void homeResolution();
     void defaultConnectionStringWrittenOnce();
     void connectionStringBuffer_data();
     void connectionStringBuffer();
@@ -38,6 +40,44 @@ private Q_SLOTS:
 private:
     static QString databaseKey() { return QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase"); }
 };
+
+void TestStartup::homeResolution_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("environment"); // SABLE_HOME; empty counts as unset
+    QTest::addColumn<QString>("builtIn");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("option first") << QStringList {QStringLiteral("--home"), QStringLiteral("/a")}
+                                  << QStringLiteral("/env") << QStringLiteral("/srv/sable") << "/a";
+    QTest::newRow("option with equals sign among others")
+        << QStringList {QStringLiteral("--view"), QStringLiteral("2"), QStringLiteral("--home=/b")}
+        << QStringLiteral("/env") << QStringLiteral("/srv/sable") << "/b";
+    QTest::newRow("variable before the built-in folder")
+        << QStringList {QStringLiteral("--view"), QStringLiteral("2")} << QStringLiteral("/env")
+        << QStringLiteral("/srv/sable") << "/env";
+    QTest::newRow("built-in folder before the executable's")
+        << QStringList {} << QString() << QStringLiteral("/srv/sable") << "/srv/sable";
+    QTest::newRow("option without a folder names none")
+        << QStringList {QStringLiteral("--home")} << QString() << QStringLiteral("/srv/sable") << "/srv/sable";
+    QTest::newRow("executable's folder when nothing is built in")
+        << QStringList {} << QString() << QString() << "/opt/sable/bin";
+}
+
+void TestStartup::homeResolution()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, environment);
+    QFETCH(QString, builtIn);
+    const bool wasSet = qEnvironmentVariableIsSet("SABLE_HOME");
+    const QByteArray saved = qgetenv("SABLE_HOME");
+    qputenv("SABLE_HOME", environment.toUtf8());
+    const QString home = AppPaths::resolveHome(arguments, QStringLiteral("/opt/sable/bin"), builtIn);
+    if (wasSet)
+        qputenv("SABLE_HOME", saved);
+    else
+        qunsetenv("SABLE_HOME");
+    QTEST(home, "expected");
+}
 
 void TestStartup::defaultConnectionStringWrittenOnce()
 {

@@ -20,8 +20,11 @@ std::vector<Command> allCommands()
 
 void printUsage(QTextStream& stream, const std::vector<Command>& commands)
 {
+    const QString fallback = AppPaths::builtInHome();
     stream << "usage: sablectl [--home DIR] COMMAND [ARGS]\n\n"
-              "The server's folder is DIR, else $SABLE_HOME, else the folder of sablectl.\n"
+              "The server's folder is DIR, else $SABLE_HOME, else "
+           << (fallback.isEmpty() ? QStringLiteral("the folder of sablectl") : fallback)
+           << ".\n"
               "The registry follows $SABLE_REGISTRY_DIR when it is set.\n\ncommands:\n";
     for (const Command& command : commands)
         stream << "  " << command.usage.leftJustified(44) << ' ' << command.summary << '\n';

@@ -26,7 +26,18 @@ AppPaths AppPaths::forFolder(const QString& folder)
     return paths;
 }
 
+QString AppPaths::builtInHome()
+{
+    return QStringLiteral(SABLE_DEFAULT_HOME);
+}
+
 QString AppPaths::resolveHome(const QStringList& arguments, const QString& executableFolder)
+{
+    return resolveHome(arguments, executableFolder, builtInHome());
+}
+
+QString AppPaths::resolveHome(
+    const QStringList& arguments, const QString& executableFolder, const QString& fallbackHome)
 {
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         if (arguments[i] == kHomeOption && i + 1 < arguments.size())
@@ -34,8 +45,9 @@ QString AppPaths::resolveHome(const QStringList& arguments, const QString& execu
         if (arguments[i].startsWith(kHomeOption + u'='))
             return arguments[i].mid(kHomeOption.size() + 1);
     }
-    const QString fromEnvironment = qEnvironmentVariable("SABLE_HOME");
-    return fromEnvironment.isEmpty() ? executableFolder : fromEnvironment;
+    if (const QString fromEnvironment = qEnvironmentVariable("SABLE_HOME"); !fromEnvironment.isEmpty())
+        return fromEnvironment;
+    return fallbackHome.isEmpty() ? executableFolder : fallbackHome;
 }
 
 QStringList AppPaths::withoutHomeOption(const QStringList& arguments)
