@@ -35,6 +35,7 @@ struct GroupTraits
 {
     using Row = GroupRow;
     static constexpr ChartTable kTable = ChartTable::Groups;
+    static constexpr int kReference = ChartFields::GroupParent; // the field that refers to another row
     static Key key(const Row& row) { return row.K_GroupID; }
     static void print(const Row& row, qint64* out) { ChartFingerprint::printGroup(row, out); }
     static void copy(Row& to, const Row& from, int field)
@@ -56,6 +57,7 @@ struct MemberTraits
 {
     using Row = MemberRecord;
     static constexpr ChartTable kTable = ChartTable::Members;
+    static constexpr int kReference = -1;
     static Key key(const Row& row) { return row.K_MemberID; }
     static void print(const Row& row, qint64* out) { ChartFingerprint::printMember(row, out); }
     static void copy(Row& to, const Row& from, int field)
@@ -73,6 +75,7 @@ struct RelationTraits
 {
     using Row = RelationRow;
     static constexpr ChartTable kTable = ChartTable::Relations;
+    static constexpr int kReference = ChartFields::RelationRank;
     static Key key(const Row& row) { return ChartFingerprint::relationKey(row.K_MemberID, row.K_GroupID); }
     static void print(const Row& row, qint64* out) { ChartFingerprint::printRelation(row, out); }
     static void copy(Row& to, const Row& from, int field)
@@ -87,6 +90,7 @@ struct RankTraits
 {
     using Row = RankRow;
     static constexpr ChartTable kTable = ChartTable::Ranks;
+    static constexpr int kReference = -1;
     static Key key(const Row& row) { return row.rank.K_RankID; }
     static void print(const Row& row, qint64* out) { ChartFingerprint::printRank(row.rank, row.order, out); }
     static void copy(Row& to, const Row& from, int field)
@@ -101,6 +105,7 @@ struct FolderTraits
 {
     using Row = FolderRecord;
     static constexpr ChartTable kTable = ChartTable::Folders;
+    static constexpr int kReference = -1;
     static Key key(const Row& row) { return row.K_FolderID; }
     static void print(const Row& row, qint64* out) { ChartFingerprint::printFolder(row, out); }
     static void copy(Row& to, const Row& from, int) { to.FolderPath = from.FolderPath; }
@@ -112,6 +117,7 @@ struct AuthorityTraits
 {
     using Row = AuthorityRecord;
     static constexpr ChartTable kTable = T;
+    static constexpr int kReference = -1;
     static Key key(const Row& row) { return ChartFingerprint::authorityKey(row.K_FolderID, row.grantee); }
     static void print(const Row& row, qint64* out) { ChartFingerprint::printAuthority(row, out); }
     static void copy(Row& to, const Row& from, int) { to.level = from.level; }
@@ -144,6 +150,25 @@ struct Merged
 
 } // namespace
 
+void keysOf(const ChartTables& tables, const std::vector<RankRow>& ranks, QSet<Key>* keys)
+{
+    const auto index = [](ChartTable table) { return static_cast<size_t>(table); };
+    for (const GroupRow& r : tables.groups)
+        keys[index(ChartTable::Groups)].insert(GroupTraits::key(r));
+    for (const MemberRecord& r : tables.members)
+        keys[index(ChartTable::Members)].insert(MemberTraits::key(r));
+    for (const RelationRow& r : tables.relations)
+        keys[index(ChartTable::Relations)].insert(RelationTraits::key(r));
+    for (const RankRow& r : ranks)
+        keys[index(ChartTable::Ranks)].insert(RankTraits::key(r));
+    for (const FolderRecord& r : tables.fileBox.folders)
+        keys[index(ChartTable::Folders)].insert(FolderTraits::key(r));
+    for (const AuthorityRecord& r : tables.fileBox.groupAuthorities)
+        keys[index(ChartTable::GroupAuthorities)].insert(AuthorityTraits<ChartTable::GroupAuthorities>::key(r));
+    for (const AuthorityRecord& r : tables.fileBox.userAuthorities)
+        keys[index(ChartTable::UserAuthorities)].insert(AuthorityTraits<ChartTable::UserAuthorities>::key(r));
+}
+
 // One pass of the merge under the decisions made so far; conflicts it meets for the first time are
 // added, decided for this console's side.
 class ChartMerge::Engine
@@ -158,7 +183,10 @@ public:
         , m_theirRanks(rankRows(theirs.ranks))
         , m_names(mine, theirs)
         , m_conflicts(conflicts)
-    { }
+    {
+        keysOf(mine, m_mineRanks, m_mineKeys);
+        keysOf(theirs, m_theirRanks, m_theirKeys);
+    }
 
     ChartTables run(QStringList* dropped);
 
@@ -172,6 +200,8 @@ private:
     bool decide(
         ChartTable table, Key key, Kind kind, const QStringList& fields, const QString& mine, const QString& theirs);
     bool settleReferences(QStringList* dropped);
+    bool restoreDependents();
+    Side removedBy(ChartTable table, Key key) const;
     bool settleReference(ChartTable table, Key key, Side referrer);
     template <typename Traits>
     bool restore(Merged<Traits>& merged, const std::vector<typename Traits::Row>& mine,
@@ -186,6 +216,8 @@ private:
     const std::vector<RankRow> m_theirRanks;
     const ChartNames m_names;
     std::vector<MergeConflict>& m_conflicts;
+    QSet<Key> m_mineKeys[kChartTableCount];
+    QSet<Key> m_theirKeys[kChartTableCount];
 
     Merged<GroupTraits> m_groups;
     Merged<MemberTraits> m_members;
@@ -204,7 +236,11 @@ bool ChartMerge::Engine::decide(
         if (conflict.table == table && conflict.key == key && conflict.kind == kind)
             return conflict.bKeepMine;
     }
-    m_conflicts.push_back({table, key, kind, m_names.row(table, key), fields, mine, theirs, true});
+    QString name = m_names.row(table, key);
+    if (kind == Kind::OrderChangedBoth)
+        name = table == ChartTable::Ranks ? Msg::kMergeRankOrder
+                                          : Msg::kMergeChildOrder.arg(m_names.group(static_cast<int>(key)));
+    m_conflicts.push_back({table, key, kind, name, fields, mine, theirs, true});
     return true;
 }
 
@@ -243,11 +279,9 @@ void ChartMerge::Engine::mergeRow(
         Traits::print(*mine, minePrint);
     if (theirs)
         Traits::print(*theirs, theirPrint);
-    QStringList changedBoth;
-    std::vector<int> bothFields;
-    std::vector<int> mineOnly;
     std::vector<int> mineChanged;
     std::vector<int> theirChanged;
+    std::vector<int> bothChanged; // to different values
     for (int f = 0; f < count; ++f) {
         if (isPlace(table, f))
             continue;
@@ -257,39 +291,40 @@ void ChartMerge::Engine::mergeRow(
             mineChanged.push_back(f);
         if (t)
             theirChanged.push_back(f);
-        if (m && t && minePrint[f] != theirPrint[f]) {
-            changedBoth << ChartNames::field(table, f);
-            bothFields.push_back(f);
-        } else if (m && !t) {
-            mineOnly.push_back(f);
-        }
+        if (m && t && minePrint[f] != theirPrint[f])
+            bothChanged.push_back(f);
     }
-    const bool bMineChanged = !mineChanged.empty();
-    const bool bTheirsChanged = !theirChanged.empty();
+    const auto has = [](const std::vector<int>& fields, int f) {
+        return std::find(fields.begin(), fields.end(), f) != fields.end();
+    };
     // The values in question: those changed on both sides, or the changes of the side that kept the row.
-    const auto describe = [&](const typename Traits::Row* row, const std::vector<int>& fields) {
+    const auto describe = [&](const typename Traits::Row& row, const std::vector<int>& fields) {
         QStringList values;
         for (const int f : fields)
-            values << ChartNames::field(table, f) + QStringLiteral(": ") + Traits::text(*row, f, m_names);
+            values << ChartNames::field(table, f) + QStringLiteral(": ") + Traits::text(row, f, m_names);
         return values.join(QStringLiteral(", "));
     };
     if (mine && theirs) {
-        typename Traits::Row row = *theirs;
-        for (const int f : mineOnly)
-            Traits::copy(row, *mine, f);
-        if (!bothFields.empty()
+        QStringList names;
+        for (const int f : bothChanged)
+            names << ChartNames::field(table, f);
+        const bool bKeepMine = !bothChanged.empty()
             && decide(
-                table, key, Kind::BothChanged, changedBoth, describe(mine, bothFields), describe(theirs, bothFields))) {
-            for (const int f : bothFields)
+                table, key, Kind::BothChanged, names, describe(*mine, bothChanged), describe(*theirs, bothChanged));
+        typename Traits::Row row = *theirs;
+        bool bReferenceFromMine = false;
+        for (const int f : mineChanged) {
+            if (!has(theirChanged, f) || (has(bothChanged, f) && bKeepMine)) {
                 Traits::copy(row, *mine, f);
+                bReferenceFromMine = bReferenceFromMine || f == Traits::kReference;
+            }
         }
         out.rows.insert(key, row);
-        const bool parentFromMine = table == ChartTable::Groups
-            && std::find(mineOnly.begin(), mineOnly.end(), ChartFields::GroupParent) != mineOnly.end();
+        // Who made the row refer to what it refers to now, should that be removed on the other side.
         out.introducedBy.insert(key,
-            !base                ? Side::Mine
-                : parentFromMine ? Side::Mine
-                                 : (bTheirsChanged ? Side::Theirs : Side::Neither));
+            !base || bReferenceFromMine                 ? Side::Mine
+                : has(theirChanged, Traits::kReference) ? Side::Theirs
+                                                        : Side::Neither);
         return;
     }
     const typename Traits::Row* only = mine ? mine : theirs;
@@ -300,18 +335,17 @@ void ChartMerge::Engine::mergeRow(
         return;
     }
     // Removed on one side: the other side's change of the row holds it back, if the administrator says so.
-    const bool bKeptSideChanged = mine ? bMineChanged : bTheirsChanged;
-    if (!bKeptSideChanged)
+    const std::vector<int>& keptChanges = mine ? mineChanged : theirChanged;
+    if (keptChanges.empty())
         return;
     const bool bKeepMine = mine
-        ? decide(table, key, Kind::ChangedHereRemovedThere, {}, describe(mine, mineChanged), Msg::kMergeRemoved)
-        : decide(table, key, Kind::RemovedHereChangedThere, {}, Msg::kMergeRemoved, describe(theirs, theirChanged));
+        ? decide(table, key, Kind::ChangedHereRemovedThere, {}, describe(*mine, mineChanged), Msg::kMergeRemoved)
+        : decide(table, key, Kind::RemovedHereChangedThere, {}, Msg::kMergeRemoved, describe(*theirs, theirChanged));
     if (bKeepMine == (mine != nullptr)) {
         out.rows.insert(key, *only);
         out.introducedBy.insert(key, mine ? Side::Mine : Side::Theirs);
     }
 }
-
 template <typename Traits>
 bool ChartMerge::Engine::restore(Merged<Traits>& merged, const std::vector<typename Traits::Row>& mine,
     const std::vector<typename Traits::Row>& theirs, Key key, bool fromMine)
@@ -324,6 +358,57 @@ bool ChartMerge::Engine::restore(Merged<Traits>& merged, const std::vector<typen
         }
     }
     return false;
+}
+
+Side ChartMerge::Engine::removedBy(ChartTable table, Key key) const
+{
+    if (!m_base.row(table, key))
+        return Side::Neither;
+    if (!m_mineKeys[static_cast<size_t>(table)].contains(key))
+        return Side::Mine;
+    return m_theirKeys[static_cast<size_t>(table)].contains(key) ? Side::Neither : Side::Theirs;
+}
+
+// A department, a user or a folder that one side removed but the merge keeps (by a decision)
+// brings back what that side removed with it, from the other side: the departments under it, its
+// memberships and permissions. Returns whether anything came back.
+bool ChartMerge::Engine::restoreDependents()
+{
+    bool bBack = false;
+    const auto keptButRemovedBy
+        = [this](ChartTable table, Key key, Side side) { return removedBy(table, key) == side; };
+    for (const Side side : {Side::Mine, Side::Theirs}) {
+        const ChartTables& source = side == Side::Mine ? m_theirs : m_mine;
+        const auto bringBack = [&](auto& merged, const auto& row, Key key, bool bDepends) {
+            if (bDepends && !merged.rows.contains(key) && removedBy(merged.kTable, key) == side) {
+                merged.rows.insert(key, row);
+                merged.introducedBy.insert(key, Side::Neither);
+                bBack = true;
+            }
+        };
+        for (const GroupRow& g : source.groups) {
+            bringBack(m_groups, g, g.K_GroupID,
+                m_groups.rows.contains(g.K_GroupID_P) && keptButRemovedBy(ChartTable::Groups, g.K_GroupID_P, side));
+        }
+        for (const RelationRow& r : source.relations) {
+            const bool bDepends
+                = (m_groups.rows.contains(r.K_GroupID) && keptButRemovedBy(ChartTable::Groups, r.K_GroupID, side))
+                || (m_members.rows.contains(r.K_MemberID) && keptButRemovedBy(ChartTable::Members, r.K_MemberID, side));
+            bringBack(m_relations, r, RelationTraits::key(r), bDepends);
+        }
+        const auto authorities = [&](auto& merged, const std::vector<AuthorityRecord>& rows, ChartTable grantees,
+                                     const auto& granteeRows) {
+            for (const AuthorityRecord& a : rows) {
+                const bool bDepends = (m_folders.rows.contains(a.K_FolderID)
+                                          && keptButRemovedBy(ChartTable::Folders, a.K_FolderID, side))
+                    || (granteeRows.rows.contains(a.grantee) && keptButRemovedBy(grantees, a.grantee, side));
+                bringBack(merged, a, ChartFingerprint::authorityKey(a.K_FolderID, a.grantee), bDepends);
+            }
+        };
+        authorities(m_groupAuthorities, source.fileBox.groupAuthorities, ChartTable::Groups, m_groups);
+        authorities(m_userAuthorities, source.fileBox.userAuthorities, ChartTable::Members, m_members);
+    }
+    return bBack;
 }
 
 // A row refers to `key` of `table`, which the merge left out: when one side removed it while the
@@ -363,6 +448,12 @@ bool ChartMerge::Engine::settleReference(ChartTable table, Key key, Side referre
 bool ChartMerge::Engine::settleReferences(QStringList* dropped)
 {
     bool bChanged = false;
+    // Settling a reference may bring a row back, which another pass has to look at.
+    const auto back = [&](ChartTable table, Key key, Side referrer) {
+        const bool bBack = settleReference(table, key, referrer);
+        bChanged = bChanged || bBack;
+        return bBack;
+    };
     const auto drop = [&](ChartTable table, Key key) {
         if (dropped)
             *dropped << m_names.row(table, key);
@@ -371,7 +462,7 @@ bool ChartMerge::Engine::settleReferences(QStringList* dropped)
     for (auto it = m_groups.rows.begin(); it != m_groups.rows.end();) {
         const int parent = it->K_GroupID_P;
         if (parent < 0 || m_groups.rows.contains(parent)
-            || settleReference(ChartTable::Groups, parent, m_groups.introducedBy.value(it.key()))) {
+            || back(ChartTable::Groups, parent, m_groups.introducedBy.value(it.key()))) {
             ++it;
             continue;
         }
@@ -390,18 +481,15 @@ bool ChartMerge::Engine::settleReferences(QStringList* dropped)
     }
     for (auto it = m_relations.rows.begin(); it != m_relations.rows.end();) {
         const Side by = m_relations.introducedBy.value(it.key());
-        const bool bMember
-            = m_members.rows.contains(it->K_MemberID) || settleReference(ChartTable::Members, it->K_MemberID, by);
-        const bool bGroup
-            = m_groups.rows.contains(it->K_GroupID) || settleReference(ChartTable::Groups, it->K_GroupID, by);
+        const bool bMember = m_members.rows.contains(it->K_MemberID) || back(ChartTable::Members, it->K_MemberID, by);
+        const bool bGroup = m_groups.rows.contains(it->K_GroupID) || back(ChartTable::Groups, it->K_GroupID, by);
         if (!bMember || !bGroup) {
             drop(ChartTable::Relations, it.key());
             it = m_relations.rows.erase(it);
             continue;
         }
         // A rank removed elsewhere leaves the membership without a rank, as deleting a rank does.
-        if (it->K_RankID >= 0 && !m_ranks.rows.contains(it->K_RankID)
-            && !settleReference(ChartTable::Ranks, it->K_RankID, by)) {
+        if (it->K_RankID >= 0 && !m_ranks.rows.contains(it->K_RankID) && !back(ChartTable::Ranks, it->K_RankID, by)) {
             it->K_RankID = -1;
             bChanged = true;
         }
@@ -411,8 +499,8 @@ bool ChartMerge::Engine::settleReferences(QStringList* dropped)
         for (auto it = merged.rows.begin(); it != merged.rows.end();) {
             const Side by = merged.introducedBy.value(it.key());
             const bool bFolder
-                = m_folders.rows.contains(it->K_FolderID) || settleReference(ChartTable::Folders, it->K_FolderID, by);
-            const bool bGrantee = grantees.rows.contains(it->grantee) || settleReference(granteeTable, it->grantee, by);
+                = m_folders.rows.contains(it->K_FolderID) || back(ChartTable::Folders, it->K_FolderID, by);
+            const bool bGrantee = grantees.rows.contains(it->grantee) || back(granteeTable, it->grantee, by);
             if (bFolder && bGrantee) {
                 ++it;
                 continue;
@@ -437,8 +525,12 @@ ChartTables ChartMerge::Engine::run(QStringList* dropped)
         m_mine.fileBox.groupAuthorities, m_theirs.fileBox.groupAuthorities, m_groupAuthorities);
     mergeTable<AuthorityTraits<ChartTable::UserAuthorities>>(
         m_mine.fileBox.userAuthorities, m_theirs.fileBox.userAuthorities, m_userAuthorities);
-    // A row brought back may refer to another that was left out: settle until nothing moves.
-    for (int pass = 0; pass < 16 && settleReferences(dropped); ++pass) { }
+    // A row brought back may bring back or refer to others: settle until nothing moves.
+    for (int pass = 0; pass < 32; ++pass) {
+        const bool bRestored = restoreDependents();
+        if (!settleReferences(dropped) && !bRestored)
+            break;
+    }
     MergeOrder::breakParentLoops(m_groups.rows, m_theirs.groups);
     orderChildren();
     return assemble();

@@ -72,21 +72,31 @@ void ChartTables::orderGroups()
     QHash<int, size_t> indexById;
     for (size_t i = 0; i < groups.size(); ++i)
         indexById.insert(groups[i].K_GroupID, i);
-    // Depths from the parents, remembered as they are found; a loop of parents counts as the top.
+    // Depths from the parents, remembered as they are found. A department whose parent is missing
+    // counts as a top one, and so does the first of a loop of parents met on the way up.
     std::vector<int> depth(groups.size(), -1);
+    std::vector<bool> onPath(groups.size(), false);
     for (size_t i = 0; i < groups.size(); ++i) {
         std::vector<size_t> path;
-        size_t at = i;
-        while (depth[at] < 0 && path.size() <= groups.size()) {
+        int above = -1; // the depth of what the path hangs from
+        for (size_t at = i;;) {
+            if (depth[at] >= 0) {
+                above = depth[at];
+                break;
+            }
+            if (onPath[at])
+                break;
             path.push_back(at);
+            onPath[at] = true;
             const auto parent = indexById.constFind(groups[at].K_GroupID_P);
-            if (parent == indexById.cend() || *parent == at)
+            if (parent == indexById.cend())
                 break;
             at = *parent;
         }
-        int next = depth[at] >= 0 && path.back() != at ? depth[at] + 1 : 0;
-        for (auto it = path.rbegin(); it != path.rend(); ++it)
-            depth[*it] = next++;
+        for (auto it = path.rbegin(); it != path.rend(); ++it) {
+            depth[*it] = ++above;
+            onPath[*it] = false;
+        }
     }
     for (size_t i = 0; i < groups.size(); ++i)
         groups[i].Depth = depth[i];

@@ -117,16 +117,22 @@ std::vector<qint64> merge(const std::vector<qint64>& base, const std::vector<qin
         if (wanted.contains(e) && !placed.contains(e))
             placed.insert(e, order.insert(order.end(), e));
     }
-    // What only the other side has goes after the element it follows there.
+    // What only the other side has goes after the element it follows there, or at the end when
+    // nothing of the leader's follows it there (added at the end, it stays at the end).
+    std::vector<bool> leaderFollows(other.size() + 1, false);
+    for (size_t i = other.size(); i-- > 0;)
+        leaderFollows[i] = leaderFollows[i + 1] || placed.contains(other[i]);
     auto after = order.begin();
     bool bAtFront = true;
-    for (const qint64 e : other) {
+    for (size_t i = 0; i < other.size(); ++i) {
+        const qint64 e = other[i];
         const auto found = placed.constFind(e);
         if (found != placed.cend()) {
             after = *found;
             bAtFront = false;
         } else if (wanted.contains(e)) {
-            after = order.insert(bAtFront ? order.begin() : std::next(after), e);
+            const auto at = !leaderFollows[i + 1] ? order.end() : bAtFront ? order.begin() : std::next(after);
+            after = order.insert(at, e);
             placed.insert(e, after);
             bAtFront = false;
         }
@@ -189,16 +195,33 @@ void breakParentLoops(QHash<Key, GroupRow>& groups, const std::vector<GroupRow>&
     QHash<int, int> theirParent;
     for (const GroupRow& g : theirs)
         theirParent.insert(g.K_GroupID, g.K_GroupID_P);
-    for (auto it = groups.begin(); it != groups.end(); ++it) {
-        // Walk up; coming back to the start means a loop, which the database's own parent breaks.
-        QSet<int> seen {it->K_GroupID};
-        for (int up = it->K_GroupID_P; up >= 0 && groups.contains(up); up = groups[up].K_GroupID_P) {
-            if (seen.contains(up)) {
-                it->K_GroupID_P = theirParent.value(it->K_GroupID, -1);
-                break;
+    // Walk up from each; coming back to the start means a loop, which the database's own parents
+    // break (its tree has none). A department of a loop that already hangs where the database has it
+    // is left for the others of the loop; one the database does not know goes to the top.
+    for (bool bLoop = true; bLoop;) {
+        bLoop = false;
+        bool bBroke = false;
+        GroupRow* firstOfLoop = nullptr;
+        for (auto it = groups.begin(); it != groups.end(); ++it) {
+            QSet<int> seen {it->K_GroupID};
+            for (int up = it->K_GroupID_P; up >= 0 && groups.contains(up); up = groups[up].K_GroupID_P) {
+                if (up == it->K_GroupID) {
+                    bLoop = true;
+                    firstOfLoop = firstOfLoop ? firstOfLoop : &*it;
+                    const int database = theirParent.value(it->K_GroupID, -1);
+                    if (database != it->K_GroupID_P) {
+                        it->K_GroupID_P = database;
+                        bBroke = true;
+                    }
+                    break;
+                }
+                if (seen.contains(up))
+                    break; // a loop above, not through this one: its own members break it
+                seen.insert(up);
             }
-            seen.insert(up);
         }
+        if (bLoop && !bBroke)
+            firstOfLoop->K_GroupID_P = -1;
     }
 }
 
