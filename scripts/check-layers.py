@@ -20,6 +20,7 @@ LAYERS = {
     'core/server': 5,
     'gui/widgets': 6,
     'gui/orgchart': 7, 'gui/filebox': 7, 'gui/clientsettings': 7, 'gui/onboarding': 7, 'gui/userimport': 7,
+    'gui/document': 7,
     'gui/mainwindow': 8,
     '.': 9,  # src/main.cpp
 }

@@ -532,6 +532,42 @@ inline const QString kUnknownRow = QStringLiteral("#%1");
 inline const QString kTopLevel = QStringLiteral("(최상위)");
 inline const QString kJournalAdded = QStringLiteral("추가");
 inline const QString kStepMerge = QStringLiteral("다른 곳의 저장과 합치기");
+inline const QString kChangeTableColumn = QStringLiteral("구분");
+inline const QString kChangeNameColumn = QStringLiteral("이름");
+inline const QString kChangeActionColumn = QStringLiteral("변경");
+inline const QString kChangeFieldsColumn = QStringLiteral("항목");
+inline const QString kConflictMineColumn = QStringLiteral("이 콘솔");
+inline const QString kConflictTheirsColumn = QStringLiteral("데이터베이스");
+inline const QString kConflictKeepColumn = QStringLiteral("남길 쪽");
+inline const QString kConflictKeepMine = QStringLiteral("이 콘솔 것");
+inline const QString kConflictKeepTheirs = QStringLiteral("데이터베이스 것");
+inline const QString kConflictBothChanged = QStringLiteral("양쪽에서 바꿈");
+inline const QString kConflictRemovedThere = QStringLiteral("여기서 바꿨으나 다른 곳에서 삭제함");
+inline const QString kConflictRemovedHere = QStringLiteral("여기서 삭제했으나 다른 곳에서 바꿈");
+inline const QString kConflictUsedHere = QStringLiteral("다른 곳에서 삭제했으나 여기서 씀");
+inline const QString kConflictUsedThere = QStringLiteral("여기서 삭제했으나 다른 곳에서 씀");
+inline const QString kConflictOrder = QStringLiteral("양쪽에서 순서를 바꿈");
+inline const QString kConflictTitle = QStringLiteral("다른 곳에서 저장한 내용");
+inline const QString kConflictHeading = QStringLiteral("이 콘솔이 조직도를 읽은 뒤 다른 곳에서 저장했습니다.");
+inline const QString kConflictIntro = QStringLiteral(
+    "그대로 저장하면 다른 콘솔이나 프로그램, 메신저 서버가 저장한 내용을 덮어쓰게 되므로 아무것도 저장하지 "
+    "않았습니다.\n합치기를 누르면 양쪽의 변경을 모두 살린 조직도를 편집 화면에 보여 줍니다. 확인한 뒤 다시 "
+    "저장하세요. 합친 것은 실행 취소로 되돌릴 수 있습니다.");
+inline const QString kConflictTab = QStringLiteral("양쪽에서 바꾼 항목 (%1)");
+inline const QString kConflictTheirTab = QStringLiteral("다른 곳의 변경 (%1)");
+inline const QString kConflictMineTab = QStringLiteral("이 콘솔의 변경 (%1)");
+inline const QString kConflictDecide
+    = QStringLiteral("항목마다 남길 쪽을 고르세요. 표시한 항목은 이 콘솔 것을 남깁니다.");
+inline const QString kConflictAllMine = QStringLiteral("모두 이 콘솔 것(&M)");
+inline const QString kConflictAllTheirs = QStringLiteral("모두 데이터베이스 것(&T)");
+inline const QString kConflictMerge = QStringLiteral("합치기(&G)");
+inline const QString kConflictReload = QStringLiteral("다시 읽기 - 내 변경 버림(&R)");
+inline const QString kConflictReloadQuestion
+    = QStringLiteral("이 콘솔에서 바꾼 %1건이 모두 사라지고 데이터베이스의 조직도를 다시 읽습니다.\n계속하시겠습니까?");
+inline const QString kMergeDone
+    = QStringLiteral("다른 곳에서 저장한 %1건과 합쳤습니다. 편집 화면에서 확인한 뒤 다시 저장하세요.");
+inline const QString kMergeRenumbered = QStringLiteral("번호가 겹쳐 새 번호를 받은 항목: %1");
+inline const QString kMergeDropped = QStringLiteral("삭제된 항목에 딸려 있어 빠진 항목: %1");
 inline const QString kMergePasswordHidden = QStringLiteral("(비밀번호)");
 inline const QString kMergeRemoved = QStringLiteral("삭제됨");
 inline const QString kMergeStillUsed = QStringLiteral("계속 쓰임");

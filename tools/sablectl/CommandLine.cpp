@@ -1,6 +1,5 @@
 #include "CommandLine.h"
 
-#include "SettingsKeys.h"
 #include "document/CSableManagerDoc.h"
 #include "document/ChartMerge.h"
 #include "document/ChartReader.h"
@@ -8,7 +7,6 @@
 #include "document/MergeEdits.h"
 #include "document/RestorePoints.h"
 #include "platform/IniFile.h"
-#include "platform/Registry.h"
 #include "server/ServerDatabase.h"
 #include "server/ServerServiceControl.h"
 #include "server/ServiceManagerSettings.h"
@@ -156,7 +154,7 @@ int saveChart(Context& context, CSableManagerDoc& doc, bool bYes, bool bReplace)
     with.connect = connector(context);
     with.program = QStringLiteral("sablectl");
     with.restoreFolder = RestorePoints::defaultFolder(context.config.paths().programFolder);
-    with.restorePointsKept = restorePointsKept(context);
+    with.restorePointsKept = context.config.restorePointsKept();
     with.bReplace = bReplace;
     const IniFile settings(context.config.paths().settingsFilePath);
     // Someone may save between the merge and the next attempt; a few rounds settle it.
@@ -178,13 +176,6 @@ int saveChart(Context& context, CSableManagerDoc& doc, bool bYes, bool bReplace)
         }
     }
     return context.fail(QStringLiteral("the database kept changing while saving; nothing was written"));
-}
-
-int restorePointsKept(Context& context)
-{
-    const auto key = context.config.registry().openKey(RegRoot::LocalMachine, Keys::kSableManager);
-    const std::optional<quint32> kept = key ? key->readDword(Keys::kRestorePointsKept) : std::nullopt;
-    return kept && *kept > 0 ? static_cast<int>(std::min<quint32>(*kept, 100000)) : RestorePoints::kDefaultKept;
 }
 
 int printBytes(Context& context, const QByteArray& bytes)

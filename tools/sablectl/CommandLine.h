@@ -79,8 +79,7 @@ std::unique_ptr<ServerServiceControl> openServiceControl(Context& context);
 // tried again, unless a row was changed on both sides: then nothing is written. `bReplace` writes
 // the document over whatever the database holds.
 int saveChart(Context& context, CSableManagerDoc& doc, bool bYes, bool bReplace = false);
-// How many restore points the server folder keeps (HKLM "RestorePointsKept", 50 when not set).
-int restorePointsKept(Context& context);
+
 // Writes `bytes` to standard output as they are; kSuccess or kFailure.
 int printBytes(Context& context, const QByteArray& bytes);
 

@@ -181,8 +181,7 @@ EditOutcome ChartEdits::addUserByEntry(const QString& loginId, bool bBalloonHelp
     const int limit = MemberColumns::byteLimit(ColMemberID);
     if (CodePage949::byteLength(loginId) > limit)
         return EditOutcome::refused(Balloon::error(Msg::kTooLong.arg(limit)).atCell(entryRow, ColMemberID));
-    const auto& members = chart.members();
-    if (std::any_of(members.begin(), members.end(), [&](const MemberRecord& m) { return m.MemberID == loginId; }))
+    if (isLoginIdTaken(loginId, -1))
         return EditOutcome::refused(Balloon::error(Msg::kDuplicateId).atCell(entryRow, ColMemberID));
 
     MemberRecord member;
@@ -217,12 +216,25 @@ EditOutcome ChartEdits::editCell(int row, int column, const QString& text)
     MemberColumns::setText(member, column, text);
     if (member == chart.member(row))
         return {};
+    if (column == ColMemberID && isLoginIdTaken(text, row))
+        return EditOutcome::refused(Balloon::error(Msg::kDuplicateId).atCell(row, ColMemberID));
     EditRecorder edit(m_doc, Msg::kStepEditUser.arg(member.MemberID));
     edit.setMember(row, member);
     edit.setModified(true);
     EditOutcome outcome = EditOutcome::changed();
     outcome.row = row;
     return outcome;
+}
+
+bool ChartEdits::isLoginIdTaken(const QString& loginId, int exceptRow) const
+{
+    // One user per login ID: the server looks users up without regard to case.
+    const auto& members = m_doc.chart().members();
+    for (size_t row = 0; row < members.size(); ++row) {
+        if (static_cast<int>(row) != exceptRow && members[row].MemberID.compare(loginId, Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
 }
 
 std::optional<Balloon> ChartEdits::checkLeaveRow(int row) const

@@ -63,6 +63,9 @@ public:
     // The hint for a tree that holds nothing but its top department.
     std::optional<Balloon> emptyTreeHint() const;
 
+    // Whether a member other than the one in `exceptRow` has this login ID, compared without regard to case.
+    bool isLoginIdTaken(const QString& loginId, int exceptRow) const;
+
 private:
     EditOutcome addMembersToDepartment(const std::vector<int>& memberIds, OrgNode* department);
 

@@ -40,6 +40,14 @@ bool StartupConfig::readBalloonHelp() const
     return value.value_or(1) != 0;
 }
 
+int StartupConfig::restorePointsKept() const
+{
+    constexpr quint32 kDefault = 50;
+    const auto key = m_registry.openKey(RegRoot::LocalMachine, Keys::kSableManager);
+    const std::optional<quint32> kept = key ? key->readDword(Keys::kRestorePointsKept) : std::nullopt;
+    return static_cast<int>(kept && *kept > 0 ? std::min<quint32>(*kept, 100000) : kDefault);
+}
+
 bool StartupConfig::writeBalloonHelp(bool on) const
 {
     const auto key = m_registry.createKey(RegRoot::CurrentUser, Keys::kSableManagerUser);

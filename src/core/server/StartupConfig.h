@@ -41,6 +41,8 @@ public:
     QString readDatabaseType() const;
     // The ODBC driver for SQL Server connection strings (our own setting; a sensible default).
     QString readSqlServerOdbcDriver() const;
+    // How many restore points the server folder keeps ("RestorePointsKept"; 50 when not set).
+    int restorePointsKept() const;
 
     static QString defaultDatabaseType();
 

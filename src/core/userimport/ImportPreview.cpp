@@ -101,13 +101,14 @@ private:
     {
         const OrgChart& chart = m_chart;
         m_rowById.reserve(chart.memberCount());
+        // One user per login ID, whatever the letter case: "JHKIM" in the file is the user jhkim.
         for (int row = chart.memberCount() - 1; row >= 0; --row)
-            m_rowById.insert(chart.member(row).MemberID, row);
+            m_rowById.insert(chart.member(row).MemberID.toCaseFolded(), row);
         // Lines are kept only for IDs that occur more than once: most files hold none.
         QHash<QString, int> firstLine;
         firstLine.reserve(static_cast<qsizetype>(m_table.rows.size()));
         for (const CsvRecord& record : m_table.rows) {
-            const QString id = cell(record, ColMemberID);
+            const QString id = cell(record, ColMemberID).toCaseFolded();
             if (id.isEmpty())
                 continue;
             const auto first = firstLine.constFind(id);
@@ -124,9 +125,11 @@ private:
     {
         row.line = record.line;
         const QString id = cell(record, ColMemberID);
-        row.memberRow = m_rowById.value(id, -1);
+        row.memberRow = m_rowById.value(id.toCaseFolded(), -1);
         row.member = row.memberRow >= 0 ? m_chart.member(row.memberRow) : newMemberDefaults();
         readMemberFields(record, row);
+        if (row.memberRow >= 0)
+            row.member.MemberID = m_chart.member(row.memberRow).MemberID; // the user keeps the ID's spelling
         checkRow(record, id, row);
         readPlacements(record, row);
         if (!row.refusals.empty()) {
@@ -174,7 +177,7 @@ private:
     {
         if (id.isEmpty())
             row.refusals.push_back({ColMemberID, Msg::kImportEnterId});
-        if (const auto repeated = m_repeatedIds.constFind(id); repeated != m_repeatedIds.cend()) {
+        if (const auto repeated = m_repeatedIds.constFind(id.toCaseFolded()); repeated != m_repeatedIds.cend()) {
             QStringList others;
             for (const int line : *repeated) {
                 if (line != record.line)

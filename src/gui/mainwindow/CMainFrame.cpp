@@ -3,6 +3,10 @@
 #include "Messages.h"
 #include "document/CReadDBThread.h"
 #include "document/ChartDiff.h"
+#include "document/ChartMerge.h"
+#include "document/MergeEdits.h"
+#include "document/RestorePoints.h"
+#include "document/SaveConflictDialog.h"
 #include "filebox/CSableboxFolderFormView.h"
 #include "filebox/CSableboxUserFormView.h"
 #include "filebox/FileBoxHome.h"
@@ -462,6 +466,9 @@ ChartSave::Collaborators CMainFrame::saveCollaborators()
     with.restartAll = [this] { m_services->requestRestart(); };
     // The chart is read into the editing data when the console starts; without it there is nothing to save.
     with.bEditorOpen = m_bChartLoaded;
+    with.program = QStringLiteral("console");
+    with.restoreFolder = RestorePoints::defaultFolder(m_config.paths().programFolder);
+    with.restorePointsKept = m_config.restorePointsKept();
     return with;
 }
 
@@ -475,11 +482,51 @@ void CMainFrame::save(bool bClosingAfter)
 void CMainFrame::onSaveFinished(ChartSave::Outcome outcome)
 {
     updateCommandStates();
+    if (outcome == ChartSave::Outcome::Conflict)
+        resolveConflict(m_saveRunner->takeConflict());
     Q_EMIT saveFinished(outcome);
     if (std::exchange(m_bCloseAfterSave, false) && outcome == ChartSave::Outcome::Saved) {
         m_bClosing = true;
         close();
     }
+}
+
+void CMainFrame::resolveConflict(std::shared_ptr<const ChartTables> theirs)
+{
+    if (!theirs)
+        return;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    ChartMerge merge(m_doc.base(), m_doc.tables(), std::move(theirs));
+    QApplication::restoreOverrideCursor();
+    switch (m_conflictResolver ? m_conflictResolver(merge) : askAboutConflict(merge)) {
+    case SaveConflictDialog::Choice::Merge: {
+        QStringList dropped;
+        MergeEdits::applyMerge(m_doc, merge, &dropped);
+        QStringList notes {Msg::kMergeDone.arg(merge.theirChanges().size())};
+        QStringList renumbered;
+        for (const Renumbering& r : merge.renumbered())
+            renumbered << QStringLiteral("%1 %2 → %3").arg(r.name).arg(r.from).arg(r.to);
+        if (!renumbered.isEmpty())
+            notes << Msg::kMergeRenumbered.arg(renumbered.join(QStringLiteral(", ")));
+        if (!dropped.isEmpty())
+            notes << Msg::kMergeDropped.arg(dropped.join(QStringLiteral(", ")));
+        m_prompter.inform(this, notes.join(u'\n'));
+        break;
+    }
+    case SaveConflictDialog::Choice::Reload:
+        if (m_prompter.askYesNo(this, Msg::kConflictReloadQuestion.arg(merge.myChanges().size())))
+            MergeEdits::reload(m_doc, merge);
+        break;
+    case SaveConflictDialog::Choice::Cancel:
+        break;
+    }
+}
+
+SaveConflictDialog::Choice CMainFrame::askAboutConflict(ChartMerge& merge)
+{
+    SaveConflictDialog dialog(merge, this);
+    dialog.exec();
+    return dialog.choice();
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event)

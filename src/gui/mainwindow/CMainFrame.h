@@ -2,6 +2,7 @@
 
 #include "document/CSableManagerDoc.h"
 #include "document/ChartSave.h"
+#include "document/SaveConflictDialog.h"
 #include "mainwindow/CommandIds.h"
 #include "mainwindow/CommandTable.h"
 #include "server/ProductLinks.h"
@@ -22,6 +23,7 @@ class QToolBar;
 
 namespace sable {
 
+class ChartMerge;
 class CMainFormView;
 class COrganizeTemplateView;
 class CPositionFormView;
@@ -70,6 +72,11 @@ public:
     bool isChartLoaded() const { return m_bChartLoaded; }
     bool balloonHelp() const { return m_settings.bBalloonHelp; }
     void setPrompter(Prompter prompter);
+    // How a save that met another writer's is settled; the dialog unless a test says otherwise.
+    void setConflictResolver(std::function<SaveConflictDialog::Choice(ChartMerge&)> resolver)
+    {
+        m_conflictResolver = std::move(resolver);
+    }
 
     // Runs a command as its menu entry or tool button does.
     void runCommand(int command);
@@ -100,6 +107,8 @@ private:
     void save(bool bClosingAfter = false);
     ChartSave::Collaborators saveCollaborators();
     void onSaveFinished(ChartSave::Outcome outcome);
+    void resolveConflict(std::shared_ptr<const ChartTables> theirs);
+    SaveConflictDialog::Choice askAboutConflict(ChartMerge& merge);
     void toggleBalloonHelp();
     void showRegistrationMail(const QList<int>& memberIds = {});
     void downloadUpgrade();
@@ -115,6 +124,7 @@ private:
     StartupSettings m_settings;
     ProductLinks m_links;
     Prompter m_prompter = Prompter::messageBoxes();
+    std::function<SaveConflictDialog::Choice(ChartMerge&)> m_conflictResolver;
     CSableManagerDoc m_doc;
     std::unique_ptr<ServerServiceControl> m_services;
     NavigationBar* m_navigation = nullptr;
