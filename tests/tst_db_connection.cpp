@@ -68,7 +68,7 @@ void TestDbConnection::resolve_data()
     QTest::newRow("sql server, braced password")
         << "Provider=SQLOLEDB;User ID=sa;Password={a;b};Data Source=srv;Initial Catalog=db"
         << "QODBC"
-        << "DRIVER={FreeTDS};SERVER=srv;DATABASE=db;UID=sa;PWD={{a;b}}};"
+        << "DRIVER={FreeTDS};SERVER=srv;DATABASE=db;UID=sa;PWD={a;b};"
         << "";
     QTest::newRow("jet provider") << "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\a.mdb"
                                   << "QODBC"

@@ -2,6 +2,7 @@
 // the database settings and with 0 when it did not, which is how the console learns of a change.
 
 #include "DatabaseSettingsDialog.h"
+#include "platform/QtTranslations.h"
 
 #include <QApplication>
 
@@ -16,6 +17,7 @@ constexpr int kChanged = 5;
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
+    QtTranslations::installKorean(app);
     const AppPaths paths
         = AppPaths::forFolder(AppPaths::resolveHome(app.arguments().mid(1), QApplication::applicationDirPath()));
     StartupConfig config(Registry::forHome(paths.programFolder), paths);
