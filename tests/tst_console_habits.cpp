@@ -199,6 +199,14 @@ void TestConsoleHabits::koreanStandardTexts()
     QCOMPARE(buttons.button(QDialogButtonBox::Cancel)->text(), QStringLiteral("취소"));
     QMessageBox box(QMessageBox::Question, QString(), QString(), QMessageBox::Yes | QMessageBox::No);
     QCOMPARE(box.button(QMessageBox::Yes)->text().remove(u'&'), QStringLiteral("예(Y)"));
+    // A failure's technical text waits under "자세히".
+    box.setDetailedText(QStringLiteral("(1a) file is not a database"));
+    QStringList actions;
+    for (QAbstractButton* button : box.buttons()) {
+        if (box.buttonRole(button) == QMessageBox::ActionRole)
+            actions << button->text();
+    }
+    QCOMPARE(actions, QStringList {Msg::kDetailsButton});
 }
 
 void TestConsoleHabits::mnemonicsInEveryState_data()

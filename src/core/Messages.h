@@ -580,6 +580,7 @@ inline const QString kFileBoxPortOutOfRange
 inline const QString kMailServerAddressPrompt = QStringLiteral("☞메일에 보낼 서버 주소(&V)");
 inline const QString kMailServerAddressEmpty = QStringLiteral("메일에 보낼 서버 주소를 입력하세요.");
 inline const QString kStartupStopped = QStringLiteral("Sable Manager를 시작할 수 없습니다.");
-inline const QString kDetailsButton = QStringLiteral("자세히(&D)");
+inline const QString kDetailsButton = QStringLiteral("자세히(&D)...");
+inline const QString kHideDetailsButton = QStringLiteral("자세히 닫기(&D)");
 
 } // namespace sable::Msg
