@@ -5,6 +5,7 @@
 #include "platform/QtTranslations.h"
 
 #include <QApplication>
+#include <QTimer>
 
 using namespace sable;
 
@@ -23,5 +24,16 @@ int main(int argc, char** argv)
     StartupConfig config(Registry::forHome(paths.programFolder), paths);
     config.read();
     DatabaseSettingsDialog dialog(config);
+    // "--screenshot FILE": a picture of the dialog as it opens, for the user guide; nothing is changed.
+    const QStringList arguments = app.arguments();
+    if (const qsizetype at = arguments.indexOf(QStringLiteral("--screenshot")); at > 0 && at + 1 < arguments.size()) {
+        dialog.show();
+        QTimer::singleShot(800, &dialog, [&dialog, file = arguments[at + 1]] {
+            dialog.grab().save(file);
+            dialog.reject();
+        });
+        dialog.exec();
+        return 0;
+    }
     return dialog.exec() == QDialog::Accepted ? kChanged : 0;
 }
