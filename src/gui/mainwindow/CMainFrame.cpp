@@ -391,10 +391,12 @@ void CMainFrame::showRegistrationMail(const QList<int>& memberIds)
         switchToView(Cmd::kChartEditor);
     if (!m_mailDialog)
         m_mailDialog = new RegistrationMailDialog(m_config, m_settings, this);
+    QList<Recipient> recipients;
     for (const int id : memberIds) {
         if (const MemberRecord* member = m_doc.chart().findMember(id))
-            m_mailDialog->AddRecipient(member->MemberName, member->Email, member->MemberID, member->Passwd);
+            recipients.append({member->MemberName, member->Email, member->MemberID, member->Passwd});
     }
+    m_mailDialog->recipients()->addRecipients(recipients);
     m_mailDialog->show();
     m_mailDialog->raise();
     m_mailDialog->activateWindow();
