@@ -7,6 +7,8 @@
 #include "document/CSableManagerDoc.h"
 #include "document/ChartEdits.h"
 #include "document/RankEdits.h"
+#include "onboarding/RecipientModel.h"
+#include "onboarding/RecipientSelection.h"
 
 #include <QCoreApplication>
 
@@ -78,6 +80,23 @@ int main(int argc, char** argv)
     measure("move to top", [&] { edits.move(big->child(big->childCount() - 1), ChartEdits::Move::ToTop); });
     measure("sort the whole tree by rank", [&] { edits.sortByRank(chart.rootGroup()); });
     undoRedo("sort");
+    // Not an edit, and outside the edits' bound: the registration mail's recipients of the top
+    // department, every member of the chart, picked and listed in the mail dialog's model.
+    QList<int> ids;
+    RecipientModel recipients;
+    const double picked = timeIt([&] {
+        ids = RecipientSelection::membersBelow(chart.rootGroup());
+        QList<Recipient> rows;
+        for (const int id : std::as_const(ids)) {
+            const MemberRecord* member = chart.findMember(id);
+            rows.append({member->MemberName, member->Email, member->MemberID, member->Passwd});
+        }
+        recipients.addRecipients(rows);
+    });
+    out << QStringLiteral("%1 %2 ms (%3 rows)\n")
+               .arg(QStringLiteral("mail recipients of the top department").leftJustified(40))
+               .arg(picked * 1000, 8, 'f', 2)
+               .arg(recipients.rowCount());
     measure("set rank", [&] { edits.setRank(chart.placementsOf(500).front(), 205); });
     measure("add user by entry", [&] { edits.addUserByEntry(QStringLiteral("brand-new-user"), true); });
     measure("edit a cell", [&] { edits.editCell(777, ColMemberName, QStringLiteral("홍길동")); });

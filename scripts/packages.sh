@@ -6,11 +6,11 @@ build_packages=(
     unixodbc-dev libcurl4-openssl-dev libsqlite3-dev zlib1g-dev
 )
 run_packages=(
-    xvfb xauth fonts-nanum libsqliteodbc odbc-postgresql
+    xvfb xauth fonts-nanum libsqliteodbc odbc-postgresql qt6-translations-l10n
 )
 test_packages=(
     postgresql libsqliteodbc odbc-postgresql python3 xvfb xauth fonts-nanum
-    python3-aiosmtpd
+    python3-aiosmtpd qt6-translations-l10n
     supervisor g++-mingw-w64-x86-64 wine64
     clang-format
     dpkg-dev file desktop-file-utils appstream man-db groff-base bsdextrautils

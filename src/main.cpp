@@ -1,32 +1,66 @@
 // The administrator's console of the Sable messenger server.
 
+#include "Messages.h"
 #include "mainwindow/CMainFrame.h"
 #include "platform/AppPaths.h"
+#include "platform/QtTranslations.h"
 #include "server/ServerServiceControl.h"
 #include "server/ServiceManagerSettings.h"
 #include "server/StartupConfig.h"
 #include "server/StartupSteps.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QMessageBox>
 #include <QTimer>
 
 using namespace sable;
 
 namespace {
 
-// "--screenshot FILE": show the window, save a picture of it once the chart is loaded and quit (for
-// machines without a screen, where the console is checked under a virtual display).
-QString screenshotTarget(const QStringList& arguments)
+// The value of "--name VALUE" in `arguments`, or an empty text.
+QString optionValue(const QStringList& arguments, const QString& name)
 {
-    const qsizetype at = arguments.indexOf(QStringLiteral("--screenshot"));
+    const qsizetype at = arguments.indexOf(name);
     return at >= 0 && at + 1 < arguments.size() ? arguments[at + 1] : QString();
 }
 
-// "--view N": the view to show first (2 the chart editor, 3 the rank editor, ...).
-int firstView(const QStringList& arguments)
+// What "--screenshot" pictures: the dialog on top when a command opened one, else the window.
+QWidget* pictured(QWidget* frame)
 {
-    const qsizetype at = arguments.indexOf(QStringLiteral("--view"));
-    return at >= 0 && at + 1 < arguments.size() ? arguments[at + 1].toInt() : Cmd::kStartPage;
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
+        if (qobject_cast<QDialog*>(*it) && (*it)->isVisible())
+            return *it;
+    }
+    return frame;
+}
+
+// Options for checking the console on a machine without a screen and for the user guide's pictures:
+// "--view N" shows view N once the chart is loaded (2 the chart editor, 3 the rank editor, ...),
+// "--command ID" then runs a menu command, and "--screenshot FILE" saves a picture of the window
+// (or of the dialog the command opened) and quits.
+void followOptions(CMainFrame& frame, const QStringList& arguments)
+{
+    const int view = optionValue(arguments, QStringLiteral("--view")).toInt();
+    const int command = optionValue(arguments, QStringLiteral("--command")).toInt();
+    QObject::connect(&frame, &CMainFrame::chartLoaded, &frame, [&frame, view, command] {
+        if (view > Cmd::kStartPage)
+            frame.switchToView(view);
+        if (command > 0)
+            QTimer::singleShot(300, &frame, [&frame, command] { frame.runCommand(command); });
+    });
+    const QString target = optionValue(arguments, QStringLiteral("--screenshot"));
+    if (target.isEmpty())
+        return;
+    QObject::connect(&frame, &CMainFrame::chartLoaded, &frame, [&frame, target] {
+        QTimer::singleShot(1500, &frame, [&frame, target] {
+            pictured(&frame)->grab().save(target);
+            QApplication::exit(0);
+        });
+    });
 }
 
 } // namespace
@@ -38,6 +72,7 @@ int main(int argc, char** argv)
     QApplication::setApplicationVersion(QStringLiteral(SABLE_VERSION_STRING));
     // Ties the windows to the installed desktop entry, for the icon and the name in the task bar.
     QGuiApplication::setDesktopFileName(QStringLiteral(SABLE_APP_ID));
+    QtTranslations::installKorean(app);
 
     const QStringList arguments = app.arguments().mid(1);
     const AppPaths paths = AppPaths::forFolder(AppPaths::resolveHome(arguments, QApplication::applicationDirPath()));
@@ -45,26 +80,20 @@ int main(int argc, char** argv)
         StartupSteps::runInstallSwitch(paths);
 
     StartupConfig config(Registry::forHome(paths.programFolder), paths);
-    auto services = ServiceManagerSettings::read(config.registry()).createBackend();
     const StartupSettings settings = config.read();
+    if (!settings.connectionProblem.isEmpty()) {
+        // Nothing is opened: the chart would be read from, and saved to, a database the server does
+        // not use.
+        QMessageBox::critical(
+            nullptr, Msg::kAppTitle, Msg::kStartupStopped + QStringLiteral("\n\n") + settings.connectionProblem);
+        return 1;
+    }
+    auto services = ServiceManagerSettings::read(config.registry()).createBackend();
     CMainFrame frame(config, settings, services);
     frame.services().registerMissingServices();
     frame.show();
     frame.postCreate();
     frame.startLoad();
-
-    const int view = firstView(arguments);
-    QObject::connect(&frame, &CMainFrame::chartLoaded, &frame, [&frame, view] {
-        if (view != Cmd::kStartPage)
-            frame.switchToView(view);
-    });
-    if (const QString target = screenshotTarget(arguments); !target.isEmpty()) {
-        QObject::connect(&frame, &CMainFrame::chartLoaded, &frame, [&frame, target] {
-            QTimer::singleShot(1200, &frame, [&frame, target] {
-                frame.grab().save(target);
-                QApplication::exit(0);
-            });
-        });
-    }
+    followOptions(frame, arguments);
     return app.exec();
 }

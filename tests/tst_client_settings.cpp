@@ -233,7 +233,7 @@ void TestClientSettings::homePageOpen_data()
     QTest::addColumn<Sites>("rows");
     const QString vendor = QStringLiteral("세이블메신저 홈페이지");
     QTest::newRow("fresh installation offers the vendor twice")
-        << "" << QByteArray() << Sites {{vendor, "http://www.example.com"}, {vendor, "www.example.com"}};
+        << "" << QByteArray() << Sites {{vendor, "http://www.halvex.co.kr"}, {vendor, "www.halvex.co.kr"}};
     QTest::newRow("vendor host configured")
         << "sable.test" << QByteArray() << Sites {{vendor, "http://sable.test"}, {vendor, "sable.test"}};
     QTest::newRow("older address carried over first")
@@ -294,23 +294,20 @@ void TestClientSettings::homePageConfirm()
 
 void TestClientSettings::sessionSeeding_data()
 {
-    QTest::addColumn<QStringList>("hostAddresses");
+    QTest::addColumn<QString>("localAddress");
     QTest::addColumn<QString>("stored");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("first usable") << QStringList {"127.0.0.1", "169.254.3.4", "192.168.10.20", "10.0.0.1"}
-                                  << QStringLiteral("192.168.10.20") << "192.168.10.20";
-    QTest::newRow("loopback and link-local only")
-        << QStringList {"127.0.0.1", "169.254.3.4"} << QStringLiteral("169.254.3.4") << "169.254.3.4";
-    QTest::newRow("no address") << QStringList {} << QString() << "255.255.255.255";
+    QTest::newRow("the machine's address") << "192.168.10.20" << QStringLiteral("192.168.10.20") << "192.168.10.20";
+    QTest::newRow("no address") << QString() << QString() << "255.255.255.255";
 }
 
 void TestClientSettings::sessionSeeding()
 {
-    QFETCH(QStringList, hostAddresses);
+    QFETCH(QString, localAddress);
     QFETCH(QString, stored);
     QFETCH(QString, shown);
     TempHome home;
-    const SessionServerList list(home.registry(), [hostAddresses] { return hostAddresses; });
+    const SessionServerList list(home.registry(), [localAddress] { return localAddress; });
     QCOMPARE(list.open(), (QList<SessionServerEntry> {{shown, SessionServerList::kPort, true}}));
     const RegistryKey key = sessionKey(home);
     QCOMPARE(key.readString(QStringLiteral("SessionD_0_Address"), 128), std::optional<QString>(stored));
@@ -364,7 +361,7 @@ void TestClientSettings::sessionStoredEntries()
         key.writeDword(QStringLiteral("SessionD_1_Enable"), static_cast<quint32>(enable));
     key.writeDword(QStringLiteral("SessionDCount"), 2);
 
-    const SessionServerList list(home.registry(), [] { return QStringList {"10.1.1.1"}; });
+    const SessionServerList list(home.registry(), [] { return QStringLiteral("10.1.1.1"); });
     SessionServerEntry entry;
     QCOMPARE(list.ReadEntry(1, entry), bReadable);
     const QList<SessionServerEntry> rows = list.open();

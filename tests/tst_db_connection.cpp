@@ -6,7 +6,9 @@
 #include "db/DbConnection.h"
 #include "db/DbSchema.h"
 #include "platform/RegFileBackend.h"
+#include "server/DatabaseChoice.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTest>
 
@@ -21,6 +23,10 @@ private Q_SLOTS:
 
     void resolve_data();
     void resolve();
+    void valueRoundTrip_data();
+    void valueRoundTrip();
+    void embeddedFile_data();
+    void embeddedFile();
 
     void engines_data();
     void engines();
@@ -68,7 +74,7 @@ void TestDbConnection::resolve_data()
     QTest::newRow("sql server, braced password")
         << "Provider=SQLOLEDB;User ID=sa;Password={a;b};Data Source=srv;Initial Catalog=db"
         << "QODBC"
-        << "DRIVER={FreeTDS};SERVER=srv;DATABASE=db;UID=sa;PWD={{a;b}}};"
+        << "DRIVER={FreeTDS};SERVER=srv;DATABASE=db;UID=sa;PWD={a;b};"
         << "";
     QTest::newRow("jet provider") << "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\a.mdb"
                                   << "QODBC"
@@ -117,6 +123,109 @@ void TestDbConnection::addEngineRows()
     QTest::newRow("sqlite-odbc") << "sqlite-odbc";
     QTest::newRow("postgresql") << "postgresql";
     QTest::newRow("postgresql-odbc") << "postgresql-odbc";
+}
+
+void TestDbConnection::valueRoundTrip_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<bool>("asPassword"); // also a login password of the PostgreSQL fixture
+    QTest::newRow("plain") << "secret" << true;
+    QTest::newRow("opening brace") << "{abc" << true;
+    QTest::newRow("braced") << "{abc}" << true;
+    QTest::newRow("closing brace") << "abc}" << true;
+    QTest::newRow("opening single quote") << "'abc" << true;
+    QTest::newRow("opening double quote") << "\"abc" << true;
+    QTest::newRow("semicolon") << "a;b" << true;
+    QTest::newRow("every quote and a semicolon") << "'a\"b;c'" << true;
+    QTest::newRow("doubled quotes") << "\"\"''" << true;
+    QTest::newRow("leading and trailing blanks") << "  pad  " << true;
+    QTest::newRow("equals sign") << "a=b" << true;
+    QTest::newRow("Hangul") << "비밀;번호" << true;
+    QTest::newRow("empty") << "" << false;
+}
+
+void TestDbConnection::valueRoundTrip()
+{
+    QFETCH(QString, value);
+    QFETCH(bool, asPassword);
+    // Read back alone, at the end and followed by another value.
+    const QString quoted = ConnectionString::quote(value);
+    for (const QString& text : QStringList {QStringLiteral("Password=") + quoted,
+             QStringLiteral("User ID=u;Password=") + quoted + QStringLiteral(";Port=1")}) {
+        const ConnectionString cs = ConnectionString::parse(text);
+        QCOMPARE(cs.value(QStringLiteral("password")), value);
+        if (cs.has(QStringLiteral("port")))
+            QCOMPARE(cs.value(QStringLiteral("port")), QStringLiteral("1"));
+    }
+    // As the settings program writes it, and as the engine receives it.
+    DatabaseChoice choice;
+    choice.kind = DatabaseChoice::Kind::PostgreSql;
+    choice.server = m_pg.host;
+    choice.port = m_pg.port;
+    choice.databaseName = QStringLiteral("sable");
+    choice.user = QStringLiteral("quoted_%1").arg(QCoreApplication::applicationPid());
+    choice.password = value;
+    const ConnectionString written = ConnectionString::parse(choice.connectionString());
+    QCOMPARE(written.value(QStringLiteral("password")), value);
+    QCOMPARE(written.value(QStringLiteral("user id")), choice.user);
+    if (!asPassword)
+        return;
+    SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    {
+        DbConnection admin;
+        QVERIFY(admin.open(m_pg.connectionString(QStringLiteral("sable"), QStringLiteral("postgres"), QString())));
+        QVERIFY(admin.executeNoRecords(QStringLiteral("DROP ROLE IF EXISTS %1").arg(choice.user)));
+        QVERIFY(
+            admin.executeNoRecords(QStringLiteral("CREATE ROLE %1 LOGIN PASSWORD $pw$%2$pw$").arg(choice.user, value)));
+    }
+    DbConnection db;
+    QVERIFY2(db.open(choice.connectionString()), qPrintable(DbConnection::lastError()));
+}
+
+void TestDbConnection::embeddedFile_data()
+{
+    QTest::addColumn<QString>("dataSource"); // relative to the server folder given to open()
+    QTest::addColumn<QByteArray>("contents"); // of the file at dataSource; null: no file
+    QTest::addColumn<QString>("failure"); // in the error text; empty: opens
+    QTest::newRow("relative, in the server folder") << "SableDB.db" << QByteArray("") << "";
+    QTest::newRow("relative, below it") << "data/SableDB.db" << QByteArray("") << "";
+    QTest::newRow("empty") << "" << QByteArray() << "Data Source";
+    QTest::newRow("blank") << "  " << QByteArray() << "Data Source";
+    QTest::newRow("a text file") << "SableDB.db" << QByteArray("tables: none, this is text\n") << "not a database";
+}
+
+void TestDbConnection::embeddedFile()
+{
+    QFETCH(QString, dataSource);
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, failure);
+    TempHome home;
+    const QString server = home.path(QStringLiteral("server"));
+    QVERIFY(QDir().mkpath(home.path(QStringLiteral("cwd"))));
+    if (!contents.isNull()) {
+        QVERIFY(QDir().mkpath(QFileInfo(QDir(server), dataSource).absolutePath()));
+        if (contents.isEmpty()) {
+            DbConnection create;
+            QVERIFY(create.open(
+                sqliteConnectionString(QDir(server).filePath(dataSource)) + QStringLiteral(";FailIfMissing=False")));
+        } else {
+            home.writeFile(QStringLiteral("server/") + dataSource, contents);
+        }
+    }
+    // Whatever the current folder is, nothing is looked for or created there.
+    const QString previous = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(home.path(QStringLiteral("cwd"))));
+    DbConnection db;
+    const bool opened = db.open(QStringLiteral("Provider=SQLite;Data Source=") + dataSource, server);
+    QDir::setCurrent(previous);
+    QCOMPARE(opened, failure.isEmpty());
+    QCOMPARE(QDir(home.path(QStringLiteral("cwd"))).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
+    if (opened)
+        QVERIFY(db.database().databaseName().contains(QDir(server).filePath(dataSource)));
+    else
+        QVERIFY2(DbConnection::lastError().contains(failure), qPrintable(DbConnection::lastError()));
+    if (!contents.isEmpty() && !contents.isNull())
+        QCOMPARE(home.readFile(QStringLiteral("server/") + dataSource), contents);
 }
 
 void TestDbConnection::engines_data()

@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSpinBox>
 #include <QTest>
 
 using namespace sable;
@@ -63,6 +62,7 @@ private Q_SLOTS:
     void missingHomeCreated();
     void portRange_data();
     void portRange();
+    void storedPortsShownAsStored();
     void fieldsAsTyped();
     void browseButton();
 };
@@ -133,43 +133,76 @@ void TestFileBoxSettings::missingHomeCreated()
 
 void TestFileBoxSettings::portRange_data()
 {
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("last");
-    QTest::addColumn<bool>("accepted");
-    QTest::newRow("equal ports") << 55100 << 55100 << false;
-    QTest::newRow("one port apart") << 55100 << 55101 << true;
-    QTest::newRow("reversed") << 55109 << 55100 << false;
-    QTest::newRow("whole range") << 1 << 65535 << true;
+    const QString badRange = QStringLiteral("포트 정보를 잘못 입력하셨습니다. 다시 입력해 주세요.");
+    const QString outOfRange = QStringLiteral("포트 번호는 1부터 65535 사이의 숫자여야 합니다. 다시 입력해 주세요.");
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("last");
+    QTest::addColumn<QString>("refusal"); // empty: accepted
+    QTest::newRow("equal ports") << "55100"
+                                 << "55100" << badRange;
+    QTest::newRow("one port apart") << "55100"
+                                    << "55101" << QString();
+    QTest::newRow("reversed") << "55109"
+                              << "55100" << badRange;
+    QTest::newRow("whole range") << "1"
+                                 << "65535" << QString();
+    QTest::newRow("port 0") << "0"
+                            << "55101" << outOfRange;
+    QTest::newRow("above 65535") << "55100"
+                                 << "70000" << outOfRange;
+    QTest::newRow("empty field") << ""
+                                 << "55101" << outOfRange;
+    QTest::newRow("beyond 32 bits") << "55100"
+                                    << "4294967296" << outOfRange;
 }
 
 void TestFileBoxSettings::portRange()
 {
-    QFETCH(int, first);
-    QFETCH(int, last);
-    QFETCH(bool, accepted);
+    QFETCH(QString, first);
+    QFETCH(QString, last);
+    QFETCH(QString, refusal);
     TempHome home;
     Dialog d(home);
     d.dialog.show();
-    d.field<QSpinBox>("firstPort")->setValue(first);
-    d.field<QSpinBox>("lastPort")->setValue(last);
+    d.field<QLineEdit>("firstPort")->setText(first);
+    d.field<QLineEdit>("lastPort")->setText(last);
     d.field<QLineEdit>("passiveAddress")->setText(QStringLiteral("203.0.113.5"));
     d.dialog.accept();
+    const bool accepted = refusal.isEmpty();
     QCOMPARE(d.dialog.result() == QDialog::Accepted, accepted);
     QCOMPARE(d.dialog.isVisible(), !accepted);
     const auto key = serverKey(home);
     if (accepted) {
         QVERIFY(d.told.isEmpty());
-        QCOMPARE(key->readDword(Keys::kCustomPasvMinPort), quint32(first));
-        QCOMPARE(key->readDword(Keys::kCustomPasvMaxPort), quint32(last));
+        QCOMPARE(key->readDword(Keys::kCustomPasvMinPort), first.toUInt());
+        QCOMPARE(key->readDword(Keys::kCustomPasvMaxPort), last.toUInt());
         QCOMPARE(key->readString(Keys::kCustomPasvIp, RegBuffer::kPath), QStringLiteral("203.0.113.5"));
     } else {
-        QCOMPARE(d.told, QStringList {QStringLiteral("포트 정보를 잘못 입력하셨습니다. 다시 입력해 주세요.")});
+        QCOMPARE(d.told, QStringList {refusal});
         // The dialog keeps what was typed; the registry keeps what the opening wrote.
-        QCOMPARE(d.field<QSpinBox>("firstPort")->value(), first);
+        QCOMPARE(d.field<QLineEdit>("firstPort")->text(), first);
+        QCOMPARE(d.field<QLineEdit>("lastPort")->text(), last);
         QCOMPARE(d.field<QLineEdit>("passiveAddress")->text(), QStringLiteral("203.0.113.5"));
         QCOMPARE(key->readDword(Keys::kCustomPasvMinPort), 55100u);
         QCOMPARE(key->readString(Keys::kCustomPasvIp, RegBuffer::kPath), kAddress);
     }
+}
+
+void TestFileBoxSettings::storedPortsShownAsStored()
+{
+    TempHome home;
+    const auto key = home.registry().createKey(RegRoot::LocalMachine, Keys::kSableBoxServer);
+    QVERIFY(key->writeDword(Keys::kCustomPasvMinPort, 0));
+    QVERIFY(key->writeDword(Keys::kCustomPasvMaxPort, 70000));
+    Dialog d(home);
+    d.dialog.show();
+    QCOMPARE(d.field<QLineEdit>("firstPort")->text(), QStringLiteral("0"));
+    QCOMPARE(d.field<QLineEdit>("lastPort")->text(), QStringLiteral("70000"));
+    // Confirmed unchanged, the stored values are refused with a word, not quietly replaced.
+    d.dialog.accept();
+    QCOMPARE(d.told.size(), 1);
+    QCOMPARE(key->readDword(Keys::kCustomPasvMinPort), 0u);
+    QCOMPARE(key->readDword(Keys::kCustomPasvMaxPort), 70000u);
 }
 
 void TestFileBoxSettings::fieldsAsTyped()
@@ -177,17 +210,11 @@ void TestFileBoxSettings::fieldsAsTyped()
     TempHome home;
     Dialog d(home);
     d.dialog.show();
-    // A port field takes no more than 65535 and nothing below 1.
-    QSpinBox* last = d.field<QSpinBox>("lastPort");
+    // A port field takes digits only.
+    QLineEdit* last = d.field<QLineEdit>("lastPort");
     last->selectAll();
-    QTest::keyClicks(last, QStringLiteral("99999"));
-    QVERIFY(last->value() <= 65535);
-    QVERIFY(last->value() >= 1);
-    QSpinBox* first = d.field<QSpinBox>("firstPort");
-    first->selectAll();
-    QTest::keyClicks(first, QStringLiteral("0"));
-    QCOMPARE(first->value(), 55100);
-    last->setValue(55200);
+    QTest::keyClicks(last, QStringLiteral("55a2-00"));
+    QCOMPARE(last->text(), QStringLiteral("55200"));
     // The address is not checked; the new home folder is created.
     d.field<QLineEdit>("passiveAddress")->setText(QStringLiteral("files.example.com"));
     const QString newHome = home.path(QStringLiteral("other box"));
@@ -195,6 +222,7 @@ void TestFileBoxSettings::fieldsAsTyped()
     d.dialog.accept();
     QCOMPARE(d.dialog.result(), int(QDialog::Accepted));
     const auto key = serverKey(home);
+    QCOMPARE(key->readDword(Keys::kCustomPasvMaxPort), 55200u);
     QCOMPARE(key->readString(Keys::kCustomPasvIp, RegBuffer::kPath), QStringLiteral("files.example.com"));
     QCOMPARE(key->readString(Keys::kHomeDirectory, RegBuffer::kPath), newHome);
     QVERIFY(QFileInfo(newHome).isDir());

@@ -4,7 +4,12 @@
 #include "Messages.h"
 #include "SmtpFixture.h"
 #include "TestSupport.h"
+#include "document/CSableManagerDoc.h"
+#include "onboarding/RecipientModel.h"
+#include "onboarding/RecipientSelection.h"
 #include "onboarding/RegistrationMailSender.h"
+#include "orgchart/ChartBuilder.h"
+#include "orgchart/OrgChart.h"
 
 #include <QFile>
 #include <QSignalSpy>
@@ -53,6 +58,8 @@ class TestRegistrationMail : public QObject
 private Q_SLOTS:
     void addRecipient_data();
     void addRecipient();
+    void recipientsInDepartmentOrder_data();
+    void recipientsInDepartmentOrder();
     void templateRead_data();
     void templateRead();
     void markers_data();
@@ -71,6 +78,69 @@ private Q_SLOTS:
 private:
     SmtpServer m_smtp = SmtpServer::fromFixture();
 };
+
+void TestRegistrationMail::recipientsInDepartmentOrder_data()
+{
+    QTest::addColumn<QString>("picked"); // a department by name, or "#id" for a member placement
+    QTest::addColumn<QList<int>>("members");
+    QTest::addColumn<QStringList>("listedIds"); // the dialog's rows: the first of a shared address wins
+    QTest::newRow("top department") << "본사" << QList<int> {1, 2, 3, 4, 5, 6}
+                                    << QStringList {"u1", "u2", "u3", "u4", "u6"};
+    QTest::newRow("department with a sub-department")
+        << "영업부" << QList<int> {3, 4, 5, 2} << QStringList {"u3", "u4", "u2"};
+    QTest::newRow("sub-department") << "해외팀" << QList<int> {5, 2} << QStringList {"u5", "u2"};
+    QTest::newRow("a member") << "#4" << QList<int> {4} << QStringList {"u4"};
+}
+
+void TestRegistrationMail::recipientsInDepartmentOrder()
+{
+    QFETCH(QString, picked);
+    QFETCH(QList<int>, members);
+    QFETCH(QStringList, listedIds);
+    // 본사[#1 #2 영업부[#3 #4 해외팀[#5 #2]] #6]; #3 and #5 share an address.
+    ChartContents contents;
+    ChartBuilder builder(*contents.chart);
+    for (int id = 1; id <= 6; ++id) {
+        MemberRecord member;
+        member.K_MemberID = id;
+        member.MemberID = QStringLiteral("u%1").arg(id);
+        member.Email = id == 5 ? QStringLiteral("u3@example.com") : member.MemberID + QStringLiteral("@example.com");
+        builder.addMember(member);
+    }
+    builder.addGroup({1, QStringLiteral("본사"), -1, 1, 0});
+    builder.addGroup({2, QStringLiteral("영업부"), 1, 3, 1});
+    builder.addGroup({3, QStringLiteral("해외팀"), 2, 3, 2});
+    for (const RelationRow& row :
+        {RelationRow {1, 1, -1, 1}, RelationRow {2, 1, -1, 2}, RelationRow {6, 1, -1, 4}, RelationRow {3, 2, -1, 1},
+            RelationRow {4, 2, -1, 2}, RelationRow {5, 3, -1, 1}, RelationRow {2, 3, -1, 2}})
+        builder.addRelation(row);
+    builder.finish();
+    const OrgChart& chart = *contents.chart;
+
+    const OrgNode* node = nullptr;
+    std::vector<const OrgNode*> pending {chart.rootGroup()};
+    while (!node && !pending.empty()) {
+        const OrgNode* current = pending.back();
+        pending.pop_back();
+        const QString name = current->isMember() ? QStringLiteral("#%1").arg(current->memberId()) : current->name();
+        if (name == picked)
+            node = current;
+        for (int i = 0; i < current->childCount(); ++i)
+            pending.push_back(current->child(i));
+    }
+    QVERIFY(node);
+    QCOMPARE(RecipientSelection::membersBelow(node), members);
+
+    RecipientModel model;
+    for (const int id : members) {
+        const MemberRecord* member = chart.findMember(id);
+        model.AddRecipient(member->MemberName, member->Email, member->MemberID, member->Passwd);
+    }
+    QStringList listed;
+    for (int row = 0; row < model.rowCount(); ++row)
+        listed << model.recipient(row).id;
+    QCOMPARE(listed, listedIds);
+}
 
 void TestRegistrationMail::addRecipient_data()
 {

@@ -112,6 +112,10 @@ void TestRegistrationMailDialog::sendsRowByRow()
     QVERIFY(!dialog.AddRecipient(QStringLiteral("박"), QStringLiteral("park-at-example"), QStringLiteral("p"), {}));
     QVERIFY(dialog.AddRecipient(QStringLiteral("이영희"), lee, QStringLiteral("lee02"), QStringLiteral("pw2")));
     QSignalSpy notices(&dialog, &RegistrationMailDialog::noticeShown);
+    // The address the mail gives is shown, the machine's own, and the administrator's word counts.
+    auto* serverAddress = dialog.findChild<QLineEdit*>(QStringLiteral("serverAddress"));
+    QCOMPARE(serverAddress->text(), LocalAddress::GetLocalAddress());
+    serverAddress->setText(QStringLiteral(" msg.sable.example "));
 
     QTest::mouseClick(button(dialog, Msg::kMailSendButton), Qt::LeftButton);
     QVERIFY(dialog.isSending());
@@ -132,7 +136,7 @@ void TestRegistrationMailDialog::sendsRowByRow()
     QCOMPARE(received.first().subject, Msg::kMailDefaultSubject);
     QCOMPARE(received.first().fromName, Msg::kMailDefaultSenderName);
     QCOMPARE(QString::fromUtf8(received.first().body),
-        QStringLiteral("<p>%1|lee02|pw2|SM50|1</p><pre>%2</pre>").arg(LocalAddress::GetLocalAddress(), memo));
+        QStringLiteral("<p>msg.sable.example|lee02|pw2|SM50|1</p><pre>%1</pre>").arg(memo));
     QCOMPARE(m_smtp.receivedBy(kim).size(), 1);
 }
 

@@ -18,6 +18,9 @@ private Q_SLOTS:
     void chartExportImportRoundTrip();
     void chartImportRefusals_data();
     void chartImportRefusals();
+    void unusableDatabaseSetting_data();
+    void unusableDatabaseSetting();
+    void textFileIsNoDatabase();
     void usersImportSample();
     void usersImportRefusesMalformedFile();
 
@@ -180,6 +183,75 @@ void TestSablectl::chartImportRefusals()
     QCOMPARE(result.code, 1);
     QVERIFY2(result.err.contains(message), qPrintable(result.err));
     QCOMPARE(tableDump(database), before);
+}
+
+void TestSablectl::unusableDatabaseSetting_data()
+{
+    QTest::addColumn<QString>("damage");
+    QTest::newRow("longer than start-up reads") << "long";
+    QTest::newRow("registry file cut in the value") << "cut";
+}
+
+void TestSablectl::unusableDatabaseSetting()
+{
+    QFETCH(QString, damage);
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const QStringList before = tableDump(database);
+    const Result exported
+        = run(home, {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("export")});
+    home.writeFile(QStringLiteral("changed.json"),
+        QString(exported.out).replace(QStringLiteral("세이블상사"), QStringLiteral("다른상사")).toUtf8());
+
+    const QString registryFile = QStringLiteral("registry/HKLM.reg");
+    if (damage == QLatin1String("long")) {
+        // A PostgreSQL server behind a deep socket folder: valid, and more than 249 bytes.
+        const QString text
+            = QStringLiteral("Provider=PostgreSQL;Host=/srv/%1;Port=5432;Database=sable;User ID=sable;Password=x")
+                  .arg(QString(230, u's'));
+        QVERIFY(home.registry()
+                    .openKey(sable::RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase"))
+                    ->writeString(QStringLiteral("ConnectionString"), text));
+    } else {
+        const QByteArray whole = home.readFile(registryFile);
+        const qsizetype value = whole.indexOf("\"ConnectionString\"=");
+        QVERIFY(value > 0);
+        home.writeFile(registryFile, whole.left(value + 30));
+    }
+    const QByteArray registryBefore = home.readFile(registryFile);
+
+    const QList<QStringList> commands {{QStringLiteral("config")}, {QStringLiteral("start-up")},
+        {QStringLiteral("db"), QStringLiteral("info")},
+        {QStringLiteral("chart"), QStringLiteral("import"), home.path(QStringLiteral("changed.json")),
+            QStringLiteral("--yes")},
+        {QStringLiteral("users"), QStringLiteral("export")}};
+    for (const QStringList& command : commands) {
+        const Result result = run(home, QStringList {QStringLiteral("--home"), folder} + command);
+        QVERIFY2(result.code == 1, qPrintable(command.join(u' ') + u'\n' + result.out));
+        QVERIFY2(result.err.contains(QLatin1String("ConnectionString")), qPrintable(result.err));
+        QVERIFY2(!result.out.contains(QLatin1String("saved")), qPrintable(result.out));
+    }
+    QCOMPARE(home.readFile(registryFile), registryBefore);
+    QCOMPARE(tableDump(database), before);
+}
+
+void TestSablectl::textFileIsNoDatabase()
+{
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    const QByteArray text("These are notes about the server, not its database.\n");
+    home.writeFile(QStringLiteral("home/SableDB.db"), text);
+    const Result info = run(home, {QStringLiteral("--home"), folder, QStringLiteral("db"), QStringLiteral("info")});
+    QCOMPARE(info.code, 1);
+    QVERIFY2(!info.out.contains(QLatin1String("tables:")), qPrintable(info.out));
+    QVERIFY2(info.err.contains(QLatin1String("not a database")), qPrintable(info.err));
+    const Result startUp = run(home, {QStringLiteral("--home"), folder, QStringLiteral("start-up")});
+    QCOMPARE(startUp.code, 1);
+    QVERIFY2(!startUp.out.contains(QLatin1String("column-repair: done")), qPrintable(startUp.out));
+    QCOMPARE(home.readFile(QStringLiteral("home/SableDB.db")), text);
 }
 
 void TestSablectl::usersImportSample()

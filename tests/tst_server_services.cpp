@@ -30,6 +30,9 @@ private Q_SLOTS:
     void missingServiceIsRegistered();
     void supervisorUnreachable_data();
     void supervisorUnreachable();
+    void probe_data();
+    void probe();
+    void managerChangedWhileRunning();
     void sablectlServices();
 
 private:
@@ -201,6 +204,66 @@ void TestServerServices::supervisorUnreachable()
     QVERIFY(clock.elapsed() < 5000);
     QVERIFY(control.isStartEnabled()); // nothing reads as running
     QCOMPARE(m_supervisor.stateOf(ServerServices::kSableD), QStringLiteral("STOPPED"));
+}
+
+void TestServerServices::probe_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("url");
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<bool>("reached");
+    QTest::addColumn<QString>("answerHas");
+    QTest::newRow("the fixture") << "supervisord" << m_supervisor.url << m_supervisor.password << true
+                                 << "서버의 서비스 7개를 알고 있습니다";
+    QTest::newRow("wrong password") << "supervisord" << m_supervisor.url << "wrong" << false << "HTTP 401";
+    QTest::newRow("nobody listening") << "supervisord"
+                                      << "http://127.0.0.1:1/RPC2" << m_supervisor.password << false
+                                      << "cannot reach the supervisor";
+    QTest::newRow("no manager") << "none" << m_supervisor.url << m_supervisor.password << false
+                                << "서비스 관리자가 설정되어 있지 않아";
+    QTest::newRow("no Windows service manager here") << "scm" << QString() << QString() << false << "Windows";
+}
+
+void TestServerServices::probe()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, url);
+    QFETCH(QString, password);
+    QFETCH(bool, reached);
+    QFETCH(QString, answerHas);
+    ServiceManagerSettings settings = m_supervisor.settings();
+    settings.kind = *ServiceManagerSettings::kindNamed(kind);
+    settings.supervisorUrl = url;
+    settings.supervisorPassword = password;
+    const ServiceManagerSettings::Probe probe = settings.probe();
+    QCOMPARE(probe.bReached, reached);
+    QVERIFY2(probe.answer.contains(answerHas), qPrintable(probe.answer));
+    if (reached)
+        QVERIFY2(
+            probe.answer.startsWith(QLatin1String("supervisord ")) && probe.answer.contains(QLatin1String("RUNNING")),
+            qPrintable(probe.answer));
+}
+
+void TestServerServices::managerChangedWhileRunning()
+{
+    TempHome home;
+    ServiceManagerSettings wrong = m_supervisor.settings();
+    wrong.supervisorPassword = QStringLiteral("wrong");
+    ServerServiceControl control(wrong.createBackend(), home.paths());
+    QSignalSpy changed(&control, &ServerServiceControl::statesChanged);
+    control.refreshStates();
+    QVERIFY(changed.wait(10000));
+    QVERIFY2(control.unavailableReason().contains(QLatin1String("HTTP 401")), qPrintable(control.unavailableReason()));
+    // Stop stays enabled so that it can say why; nothing can be stopped.
+    QVERIFY(control.isStopEnabled());
+
+    control.setBackend(m_supervisor.backend());
+    QVERIFY(changed.wait(10000));
+    QCOMPARE(control.unavailableReason(), QString());
+    QCOMPARE(control.states().size(), ServerServices::kStartAllOrder.size());
+    QVERIFY(!control.isStopEnabled()); // reachable, and nothing runs
+    QVERIFY(control.startService(ServerServices::kSableD));
+    QCOMPARE(m_supervisor.stateOf(ServerServices::kSableD), QStringLiteral("RUNNING"));
 }
 
 void TestServerServices::sablectlServices()

@@ -2,6 +2,7 @@
 // switch, the embedded database, the column repair and the passive-mode address.
 
 #include "TestSupport.h"
+#include "db/ConnectionString.h"
 #include "db/DbSchema.h"
 #include "platform/IniFile.h"
 #include "platform/LocalAddress.h"
@@ -24,6 +25,11 @@ private Q_SLOTS:
     void defaultConnectionStringWrittenOnce();
     void connectionStringBuffer_data();
     void connectionStringBuffer();
+    void damagedConnectionStringKept_data();
+    void damagedConnectionStringKept();
+    void relativeDatabaseFollowsTheHome();
+    void databaseOutsideHome_data();
+    void databaseOutsideHome();
     void registrySettings_data();
     void registrySettings();
     void installSwitch_data();
@@ -36,6 +42,7 @@ private Q_SLOTS:
     void passiveAddress();
     void localAddressChoice_data();
     void localAddressChoice();
+    void localAddressOfThisMachine();
 
 private:
     static QString databaseKey() { return QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase"); }
@@ -84,7 +91,8 @@ void TestStartup::defaultConnectionStringWrittenOnce()
     TempHome home;
     const StartupSettings first = home.config().read();
     QVERIFY(first.bWroteDefaultConnection);
-    const QString expected = QStringLiteral("Provider=SQLite;Data Source=%1").arg(home.paths().defaultDatabasePath);
+    // Relative, so that a copy of the server's folder uses its own database.
+    const QString expected = QStringLiteral("Provider=SQLite;Data Source=SableDB.db");
     QCOMPARE(first.connectionString, expected);
     QCOMPARE(first.databaseType, QStringLiteral("SQLITE"));
     QCOMPARE(first.versionTag, QStringLiteral("SM41"));
@@ -104,29 +112,130 @@ void TestStartup::defaultConnectionStringWrittenOnce()
 void TestStartup::connectionStringBuffer_data()
 {
     QTest::addColumn<int>("length");
-    QTest::addColumn<bool>("kept");
+    QTest::addColumn<bool>("usable");
     QTest::newRow("249 characters") << 249 << true;
     QTest::newRow("250 characters") << 250 << false;
+    QTest::newRow("1,000 characters") << 1000 << false;
     QTest::newRow("empty") << 0 << true;
 }
 
 void TestStartup::connectionStringBuffer()
 {
     QFETCH(int, length);
-    QFETCH(bool, kept);
+    QFETCH(bool, usable);
     TempHome home;
     const QString stored = QStringLiteral("DSN=").leftJustified(length, u'x').left(length);
     QVERIFY(home.registry()
                 .createKey(RegRoot::LocalMachine, databaseKey())
                 ->writeString(QStringLiteral("ConnectionString"), stored));
-    bool wroteDefault = false;
-    const QString settled = home.config().settleConnectionString(&wroteDefault);
-    QCOMPARE(wroteDefault, !kept);
-    QCOMPARE(settled == stored, kept);
-    const auto now = home.registry()
-                         .openKey(RegRoot::LocalMachine, databaseKey())
-                         ->readString(QStringLiteral("ConnectionString"), 1024);
-    QCOMPARE(*now, settled);
+    const QByteArray before = home.readFile(QStringLiteral("registry/HKLM.reg"));
+    const ConnectionSetting settled = home.config().settleConnection();
+    // A value too long for start-up's buffer is never replaced: the server reads up to 1,024 bytes.
+    QVERIFY(!settled.bWroteDefault);
+    QCOMPARE(settled.text, usable ? stored : QString());
+    QCOMPARE(settled.problem.isEmpty(), usable);
+    if (!usable)
+        QVERIFY2(settled.problem.contains(QString::number(length)), qPrintable(settled.problem));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")), before);
+    QCOMPARE(home.config().read().connectionProblem, settled.problem);
+}
+
+void TestStartup::damagedConnectionStringKept_data()
+{
+    // The HKLM file as another program or a full disk may have left it.
+    const QByteArray head
+        = "Windows Registry Editor Version 5.00\r\n\r\n"
+          "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\SableManager]\r\n\"ServerType\"=dword:00000001\r\n\r\n";
+    const QByteArray key = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\Services\\DataBase]\r\n";
+    const QByteArray value = "\"ConnectionString\"=\"Provider=PostgreSQL;Host=/run/postgresql;Database=sable\"\r\n";
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<bool>("damaged");
+    QTest::newRow("intact") << head + key + value << false;
+    QTest::newRow("cut inside the value") << head + key + value.left(40) << true;
+    QTest::newRow("cut inside the key's header") << head + key.left(30) << true;
+    QTest::newRow("broken key header") << head + key.left(key.size() - 3) + "\r\n" + value << true;
+    QTest::newRow("stray line in the key") << head + key + "Provider=SQLite\r\n" << true;
+    QTest::newRow("value of another type") << head + key + "\"ConnectionString\"=dword:00000001\r\n" << true;
+    QTest::newRow("absent") << head + key << false;
+}
+
+void TestStartup::damagedConnectionStringKept()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(bool, damaged);
+    TempHome home;
+    home.writeFile(QStringLiteral("registry/HKLM.reg"), file);
+    const ConnectionSetting settled = home.config().settleConnection();
+    QCOMPARE(!settled.problem.isEmpty(), damaged);
+    if (!damaged) {
+        QVERIFY(!settled.text.isEmpty());
+        return;
+    }
+    QVERIFY(settled.text.isEmpty() && !settled.bWroteDefault);
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")), file);
+    // Nothing opens a database meanwhile, and the embedded default is not created in its place.
+    int reports = 0;
+    DbConnection db = ServerDatabase::connect(home.config(), [&reports](const QString&, const QString&) { ++reports; });
+    QVERIFY(db.isEmpty());
+    QCOMPARE(reports, 1);
+    QVERIFY2(
+        DbConnection::lastError().contains(QStringLiteral("ConnectionString")), qPrintable(DbConnection::lastError()));
+    QCOMPARE(StartupSteps::ensureEmbeddedDatabase(home.config()), StartupSteps::EmbeddedDatabase::NotUsed);
+    QVERIFY(!QFile::exists(home.paths().defaultDatabasePath));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")), file);
+}
+
+void TestStartup::relativeDatabaseFollowsTheHome()
+{
+    // A server folder and its copy, with the same (relative) connection string: each works on its own file.
+    TempHome original;
+    original.config().read();
+    QCOMPARE(StartupSteps::ensureEmbeddedDatabase(original.config()), StartupSteps::EmbeddedDatabase::Created);
+    TempHome copy;
+    QVERIFY(QFile::copy(original.paths().defaultDatabasePath, copy.paths().defaultDatabasePath));
+    copy.writeFile(QStringLiteral("registry/HKLM.reg"), original.readFile(QStringLiteral("registry/HKLM.reg")));
+    {
+        DbConnection db = ServerDatabase::connect(copy.config(), nullptr);
+        QVERIFY2(!db.isEmpty(), qPrintable(DbConnection::lastError()));
+        QVERIFY(db.executeNoRecords(
+            QStringLiteral("INSERT INTO SD_Rank (K_RankID,RankName) VALUES (?,?)"), {1, QStringLiteral("사원")}));
+    }
+    const auto rankCount = [](const TempHome& home) {
+        DbConnection db;
+        return db.open(sqliteConnectionString(home.paths().defaultDatabasePath))
+            ? db.execute(QStringLiteral("SELECT COUNT(*) FROM SD_Rank")).fieldInt(0)
+            : -1;
+    };
+    QCOMPARE(rankCount(copy), 1);
+    QCOMPARE(rankCount(original), 0);
+    QVERIFY(StartupSteps::databaseOutsideHome(copy.config()).isEmpty());
+}
+
+void TestStartup::databaseOutsideHome_data()
+{
+    QTest::addColumn<QString>("dataSource"); // "<elsewhere>" stands for a folder outside the home
+    QTest::addColumn<bool>("outside");
+    QTest::newRow("relative in the home") << "SableDB.db" << false;
+    QTest::newRow("below the home") << "data/SableDB.db" << false;
+    QTest::newRow("relative, above the home") << "../SableDB.db" << true;
+    QTest::newRow("absolute elsewhere") << "<elsewhere>/SableDB.db" << true;
+    QTest::newRow("a folder named like the home") << "<home>-old/SableDB.db" << true;
+}
+
+void TestStartup::databaseOutsideHome()
+{
+    QFETCH(QString, dataSource);
+    QFETCH(bool, outside);
+    TempHome home;
+    dataSource.replace(QStringLiteral("<elsewhere>"), home.path(QStringLiteral("elsewhere")));
+    dataSource.replace(QStringLiteral("<home>"), home.paths().programFolder);
+    QVERIFY(home.registry()
+                .createKey(RegRoot::LocalMachine, databaseKey())
+                ->writeString(QStringLiteral("ConnectionString"), sqliteConnectionString(dataSource)));
+    const QString reported = StartupSteps::databaseOutsideHome(home.config());
+    QCOMPARE(!reported.isEmpty(), outside);
+    if (outside)
+        QVERIFY(reported.endsWith(QStringLiteral("SableDB.db")));
 }
 
 void TestStartup::registrySettings_data()
@@ -174,6 +283,14 @@ void TestStartup::installSwitch_data()
     QTest::newRow("among other text") << QStringList {QStringLiteral("--home"), QStringLiteral("/srv"),
         QStringLiteral("a/install")} << true;
     QTest::newRow("other case") << QStringList {QStringLiteral("/INSTALL")} << false;
+    QTest::newRow("in the home folder's path")
+        << QStringList {QStringLiteral("--home"), QStringLiteral("/opt/install/sable")} << false;
+    QTest::newRow("in the home folder, with =") << QStringList {QStringLiteral("--home=/opt/install")} << false;
+    QTest::newRow("in a screenshot's path") << QStringList {QStringLiteral("--screenshot"),
+        QStringLiteral("/tmp/install/a.png"), QStringLiteral("--view"), QStringLiteral("2")}
+                                            << false;
+    QTest::newRow("after an option's value")
+        << QStringList {QStringLiteral("--home"), QStringLiteral("/opt/install"), QStringLiteral("/install")} << true;
     QTest::newRow("none") << QStringList {QStringLiteral("/service")} << false;
 }
 
@@ -281,7 +398,7 @@ void TestStartup::passiveAddress()
     TempHome home;
     const StartupSteps::PassiveAddress filled = StartupSteps::fillPassiveAddress(home.config());
     QVERIFY(filled.bWritten);
-    QCOMPARE(filled.address, LocalAddress::firstHostAddress());
+    QCOMPARE(filled.address, LocalAddress::GetLocalAddress());
     const auto key = home.registry().openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableBoxServer"));
     QCOMPARE(key->readString(QStringLiteral("Custom PASV IP"), 260), std::optional<QString>(filled.address));
 
@@ -294,19 +411,75 @@ void TestStartup::passiveAddress()
 
 void TestStartup::localAddressChoice_data()
 {
-    QTest::addColumn<QStringList>("addresses");
+    // The resolver's answer for the host name, and the interfaces as "up|loopback|address,address".
+    QTest::addColumn<QStringList>("resolved");
+    QTest::addColumn<QStringList>("interfaces");
     QTest::addColumn<QString>("chosen");
-    QTest::newRow("first usable") << QStringList {"127.0.0.1", "169.254.3.4", "10.1.2.3", "10.9.9.9"} << "10.1.2.3";
-    QTest::newRow("loopback and link-local only") << QStringList {"127.0.0.1", "169.254.3.4"} << "169.254.3.4";
-    QTest::newRow("other loopback counts") << QStringList {"127.0.1.1"} << "127.0.1.1";
-    QTest::newRow("none") << QStringList {} << "";
+    const QStringList machine {"1|1|127.0.0.1,::1", "1|0|10.0.2.15,fe80::1"};
+    QTest::newRow("first usable of the name")
+        << QStringList {"127.0.0.1", "169.254.3.4", "10.1.2.3", "10.9.9.9"} << machine << "10.1.2.3";
+    QTest::newRow("name on 127.0.1.1, as Debian has it") << QStringList {"127.0.1.1"} << machine << "10.0.2.15";
+    QTest::newRow("any of 127.0.0.0/8 and ::1")
+        << QStringList {"::1", "127.5.5.5"} << QStringList {"1|0|172.16.0.4"} << "172.16.0.4";
+    QTest::newRow("link-local of the name, usable interface")
+        << QStringList {"169.254.9.9"} << QStringList {"1|0|10.1.1.1"} << "10.1.1.1";
+    QTest::newRow("interface down") << QStringList {"127.0.1.1"} << QStringList {"0|0|10.0.0.9", "1|0|192.168.0.7"}
+                                    << "192.168.0.7";
+    QTest::newRow("loopback interface never")
+        << QStringList {"127.0.1.1"} << QStringList {"1|1|127.0.0.1", "1|1|10.3.3.3"} << "127.0.1.1";
+    QTest::newRow("only link-local besides loopback")
+        << QStringList {"127.0.1.1"} << QStringList {"1|0|169.254.1.2"} << "169.254.1.2";
+    QTest::newRow("nothing else: as before") << QStringList {"127.0.1.1"} << QStringList {} << "127.0.1.1";
+    QTest::newRow("nothing at all") << QStringList {"::1"} << QStringList {} << "";
 }
 
 void TestStartup::localAddressChoice()
 {
-    QFETCH(QStringList, addresses);
+    QFETCH(QStringList, resolved);
+    QFETCH(QStringList, interfaces);
     QFETCH(QString, chosen);
-    QCOMPARE(LocalAddress::pickLocalAddress(addresses), chosen);
+    int interfaceQueries = 0;
+    LocalAddress::Sources sources;
+    sources.resolveHostName = [resolved] {
+        QList<QHostAddress> out;
+        for (const QString& text : resolved)
+            out << QHostAddress(text);
+        return out;
+    };
+    sources.interfaces = [interfaces, &interfaceQueries] {
+        ++interfaceQueries;
+        QList<LocalAddress::Interface> out;
+        for (const QString& text : interfaces) {
+            const QStringList parts = text.split(u'|');
+            LocalAddress::Interface entry {parts[0] == u'1', parts[1] == u'1', {}};
+            for (const QString& address : parts[2].split(u','))
+                entry.addresses << QHostAddress(address);
+            out << entry;
+        }
+        return out;
+    };
+    QCOMPARE(LocalAddress::GetLocalAddress(sources), chosen);
+    // The interfaces are asked only when the name gives nothing usable.
+    QCOMPARE(interfaceQueries, QTest::currentDataTag() == QByteArray("first usable of the name") ? 0 : 1);
+}
+
+void TestStartup::localAddressOfThisMachine()
+{
+    const QString chosen = LocalAddress::GetLocalAddress();
+    bool hasOther = false;
+    for (const LocalAddress::Interface& entry : LocalAddress::Sources::system().interfaces()) {
+        for (const QHostAddress& address : entry.addresses) {
+            hasOther = hasOther
+                || (entry.bUp && !entry.bLoopback && address.protocol() == QAbstractSocket::IPv4Protocol
+                    && !address.isLoopback());
+        }
+    }
+    if (chosen.isEmpty())
+        QVERIFY(!hasOther);
+    else
+        QCOMPARE(QHostAddress(chosen).protocol(), QAbstractSocket::IPv4Protocol);
+    if (hasOther)
+        QVERIFY2(!QHostAddress(chosen).isLoopback(), qPrintable(chosen));
 }
 
 QTEST_GUILESS_MAIN(TestStartup)

@@ -587,4 +587,81 @@ inline const QString kSaveDuplicateLoginId = QStringLiteral(
 inline const QString kJournalChanged = QStringLiteral("변경");
 inline const QString kJournalRemoved = QStringLiteral("삭제");
 
+// Keyboard, help, layout, service manager and start-up checks of the console
+inline const QString kCmdUndoKeyed = QStringLiteral("실행 취소(&Z)");
+inline const QString kCmdRedoKeyed = QStringLiteral("다시 실행(&Y)");
+inline const QString kCmdUndoKeyedStep = QStringLiteral("실행 취소(&Z): %1");
+inline const QString kCmdRedoKeyedStep = QStringLiteral("다시 실행(&Y): %1");
+inline const QString kToolUndo = QStringLiteral("실행 취소");
+inline const QString kToolRedo = QStringLiteral("다시 실행");
+inline const QString kTipUndoStep = QStringLiteral("실행 취소: %1 (Ctrl+Z)");
+inline const QString kTipRedoStep = QStringLiteral("다시 실행: %1 (Ctrl+Y)");
+inline const QString kCmdServiceManager = QStringLiteral("서비스 관리자 설정(&V)...");
+inline const QString kCmdFindUser = QStringLiteral("사용자 찾기(&F)");
+inline const QString kTipFindUser = QStringLiteral("사용자 찾기 (Ctrl+F)");
+inline const QString kPromptFindUser = QStringLiteral("사원 목록의 검색 상자로 갑니다.");
+inline const QString kTipServiceManager = QStringLiteral("서비스 관리자 설정");
+inline const QString kPromptServiceManager
+    = QStringLiteral("서버의 서비스를 시작하고 정지할 서비스 관리자를 고르고 연결을 시험합니다.");
+inline const QString kStopServerQuestion
+    = QStringLiteral("서버를 정지하면 모든 사용자의 메신저 연결이 끊어집니다.\n\n서버를 정지하시겠습니까?");
+inline const QString kServicesStartFailed = QStringLiteral("서버의 서비스를 모두 시작하지 못했습니다.");
+inline const QString kServicesStopFailed = QStringLiteral("다음 서비스를 정지하지 못했습니다: %1");
+inline const QString kOpenServiceManagerQuestion = QStringLiteral("서비스 관리자 설정을 여시겠습니까?");
+inline const QString kServicesNotConfigured
+    = QStringLiteral("서비스 관리자가 설정되어 있지 않아 서버의 서비스를 시작하거나 정지할 수 없습니다.");
+inline const QString kServicesNoScm
+    = QStringLiteral("이 컴퓨터에는 Windows 서비스 관리자가 없어 서버의 서비스를 시작하거나 정지할 수 없습니다.");
+inline const QString kServicesUnknownManager
+    = QStringLiteral("설정된 서비스 관리자를 알 수 없어 서버의 서비스를 시작하거나 정지할 수 없습니다.");
+inline const QString kServicesSupervisorUnreachable = QStringLiteral(
+    "supervisord에 연결하지 못해 서버의 서비스를 시작하거나 정지할 수 없습니다. 주소, 사용자 이름과 암호를 "
+    "확인하세요.");
+inline const QString kServicesScmUnreachable
+    = QStringLiteral("Windows 서비스 관리자에 연결하지 못해 서버의 서비스를 시작하거나 정지할 수 없습니다.");
+inline const QString kStartServiceManagerLink = QStringLiteral("서비스 관리자 설정(&V)...");
+inline const QString kServiceManagerTitle = QStringLiteral("서비스 관리자 설정");
+inline const QString kServiceManagerIntro = QStringLiteral("서버의 일곱 서비스를 시작하고 정지할 프로그램을 고르세요.");
+inline const QString kServiceManagerNone = QStringLiteral("사용하지 않음(&N)");
+inline const QString kServiceManagerSupervisor = QStringLiteral("supervisord(&S)");
+inline const QString kServiceManagerScm = QStringLiteral("Windows 서비스 관리자(&W)");
+inline const QString kServiceManagerUrl = QStringLiteral("주소(&A):");
+inline const QString kServiceManagerUser = QStringLiteral("사용자 이름(&U):");
+inline const QString kServiceManagerPassword = QStringLiteral("암호(&P):");
+inline const QString kServiceManagerTest = QStringLiteral("연결 시험(&T)");
+inline const QString kServiceManagerTesting = QStringLiteral("서비스 관리자에 연결하고 있습니다...");
+inline const QString kServiceManagerTestPassed = QStringLiteral("연결에 성공했습니다.");
+inline const QString kServiceManagerTestFailed = QStringLiteral("연결에 실패했습니다.");
+inline const QString kServiceManagerKnows = QStringLiteral("서버의 서비스 %1개를 알고 있습니다: %2");
+inline const QString kServiceManagerUnknown
+    = QStringLiteral("모르는 서비스: %1 (서비스 관리자에 등록하거나 프로그램을 추가하세요)");
+inline const QString kServiceManagerSaveFailed = QStringLiteral("서비스 관리자 설정을 저장하지 못했습니다.");
+inline const QString kServiceManagerBadUrl = QStringLiteral("주소는 http://호스트:포트/RPC2 형식이어야 합니다.");
+inline const QString kDatabaseReadFailed = QStringLiteral("데이터 베이스를 읽는 중 오류가 발생했습니다.");
+inline const QString kDatabaseWriteFailed = QStringLiteral("데이터 베이스에 쓰는 중 오류가 발생했습니다.");
+inline const QString kConnectionStringUnreadable = QStringLiteral(
+    "레지스트리의 데이터베이스 연결 문자열(ConnectionString)을 읽을 수 없어 데이터베이스를 열지 않았습니다.");
+inline const QString kConnectionStringTooLong = QStringLiteral(
+    "연결 문자열이 %1바이트로 %2바이트를 넘습니다. 데이터베이스 설정에서 더 짧은 연결 정보를 지정하세요.");
+inline const QString kConnectionStringDamaged = QStringLiteral(
+    "ConnectionString 값이 들어 있는 설정이 손상되어 있습니다. 설정을 고치거나 데이터베이스 설정에서 다시 "
+    "지정하세요.");
+inline const QString kConnectionStringNotText
+    = QStringLiteral("ConnectionString 값이 문자열이 아닙니다. 데이터베이스 설정에서 다시 지정하세요.");
+inline const QString kDataSourceMissing = QStringLiteral("연결 문자열에 데이터베이스 파일(Data Source)이 없습니다.");
+inline const QString kNotADatabase = QStringLiteral("데이터베이스 파일이 아닙니다: %1");
+inline const QString kDatabaseOutsideHome = QStringLiteral(
+    "서버가 사용하는 데이터베이스 파일이 서버 폴더 밖에 있습니다.\n\n데이터베이스: %1\n서버 폴더: %2\n\n다른 "
+    "서버 폴더를 복사해 온 경우라면 데이터베이스 설정을 확인하세요.");
+inline const QString kHelpMissing = QStringLiteral("사용 안내 파일을 찾을 수 없습니다.\n%1");
+inline const QString kAddressOpenFailed = QStringLiteral("주소를 열 수 없습니다.\n%1");
+inline const QString kStartGuideLink = QStringLiteral("사용 안내");
+inline const QString kFileBoxPortOutOfRange
+    = QStringLiteral("포트 번호는 %1부터 %2 사이의 숫자여야 합니다. 다시 입력해 주세요.");
+inline const QString kMailServerAddressPrompt = QStringLiteral("☞메일에 보낼 서버 주소(&V)");
+inline const QString kMailServerAddressEmpty = QStringLiteral("메일에 보낼 서버 주소를 입력하세요.");
+inline const QString kStartupStopped = QStringLiteral("Sable Manager를 시작할 수 없습니다.");
+inline const QString kDetailsButton = QStringLiteral("자세히(&D)...");
+inline const QString kHideDetailsButton = QStringLiteral("자세히 닫기(&D)");
+
 } // namespace sable::Msg

@@ -73,4 +73,13 @@ inline const QString kRestorePointsKept = QStringLiteral("RestorePointsKept");
 inline const QString kCustomPasvMinPort = QStringLiteral("Custom PASV min port");
 inline const QString kCustomPasvMaxPort = QStringLiteral("Custom PASV max port");
 
+// The console's window layout, per administrator: values under HKCU kSableManagerLayout.
+inline const QString kSableManagerLayout = QStringLiteral("Software\\Halvex\\SableManager\\Layout");
+inline const QString kLayoutGeometry = QStringLiteral("WindowGeometry");
+inline const QString kLayoutBars = QStringLiteral("ToolBars");
+inline const QString kLayoutStatusBar = QStringLiteral("StatusBar");
+inline const QString kLayoutLastView = QStringLiteral("LastView");
+inline const QString kLayoutSplitter = QStringLiteral("Splitter %1"); // the splitter's place, as "View2/Chart"
+inline const QString kLayoutColumns = QStringLiteral("Columns %1"); // a list's columns, as "View2/MemberList"
+
 } // namespace sable::Keys

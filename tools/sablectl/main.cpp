@@ -74,6 +74,12 @@ int main(int argc, char** argv)
     }
     const AppPaths paths = AppPaths::forFolder(AppPaths::resolveHome(probe, QCoreApplication::applicationDirPath()));
     Context context {StartupConfig(Registry::forHome(paths.programFolder), paths), out, err};
+    // A stored connection string that cannot be read is never replaced by the default one: nothing
+    // that reads or writes a database runs until the administrator has seen to it.
+    const bool usesDatabase
+        = !QStringList {QStringLiteral("services"), QStringLiteral("notify")}.contains(command->words.first());
+    if (const QString problem = context.config.connectionProblem(); usesDatabase && !problem.isEmpty())
+        return context.fail(QStringLiteral("the database setting cannot be used; nothing was opened\n") + problem);
     const int code = command->run(context, args.mid(command->words.size()));
     if (code == kUsage)
         err << "usage: sablectl " << command->usage << Qt::endl;

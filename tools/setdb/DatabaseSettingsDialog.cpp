@@ -34,15 +34,16 @@ QLineEdit* passwordEdit(QWidget* parent)
     return edit;
 }
 
-// Opens the chosen database; a new embedded database file is created when `create` is set.
-bool openChoice(DbConnection& connection, const DatabaseChoice& choice, bool create)
+// Opens the chosen database; a new embedded database file is created when `create` is set. A
+// relative file lies in the server's folder `home`, as the server and the console take it.
+bool openChoice(DbConnection& connection, const DatabaseChoice& choice, bool create, const QString& home)
 {
     QString text = choice.connectionString();
     if (create && choice.kind == Kind::EmbeddedFile && choice.typeName() == QLatin1String("SQLITE")) {
-        QDir().mkpath(QFileInfo(choice.filePath).absolutePath());
+        QDir().mkpath(QFileInfo(QDir(home), choice.filePath).absolutePath());
         text += QStringLiteral(";FailIfMissing=False");
     }
-    return connection.open(text);
+    return connection.open(text, home);
 }
 
 } // namespace
@@ -202,12 +203,15 @@ void DatabaseSettingsDialog::testConnection()
         m_result->setText(problem);
         return;
     }
-    if (chosen.kind == Kind::EmbeddedFile && !QFileInfo::exists(chosen.filePath)) {
+    if (chosen.kind == Kind::EmbeddedFile
+        && !QFileInfo(QDir(m_config.paths().programFolder), chosen.filePath).exists()) {
         m_result->setText(Msg::kSetDbFileWillBeCreated);
         return;
     }
     DbConnection connection;
-    m_result->setText(openChoice(connection, chosen, false) ? Msg::kSetDbTestSucceeded : DbConnection::lastError());
+    m_result->setText(openChoice(connection, chosen, false, m_config.paths().programFolder)
+            ? Msg::kSetDbTestSucceeded
+            : DbConnection::lastError());
 }
 
 void DatabaseSettingsDialog::accept()
@@ -218,7 +222,7 @@ void DatabaseSettingsDialog::accept()
         return;
     }
     DbConnection target;
-    if (!openChoice(target, chosen, true)) {
+    if (!openChoice(target, chosen, true, m_config.paths().programFolder)) {
         m_tell(Msg::kSetDbConnectFailed.arg(DbConnection::lastError()));
         return;
     }

@@ -15,8 +15,9 @@ namespace sable {
 class HomePageSettings
 {
 public:
-    // What both keys fall back to when missing; the console's own registry key may name another.
-    static inline const QString kDefaultVendorHost = QStringLiteral("www.example.com");
+    // What both keys fall back to when missing: the vendor's site, unless HKLM
+    // SOFTWARE\Halvex\SableManager "VendorHomePageHost" names another host.
+    static inline const QString kDefaultVendorHost = QStringLiteral("www.halvex.co.kr");
 
     HomePageSettings(const AppPaths& paths, QString vendorHost);
 

@@ -18,9 +18,10 @@ QString valueName(const QString& pattern, int index)
 
 } // namespace
 
-SessionServerList::SessionServerList(Registry registry, AddressSource hostAddresses)
+SessionServerList::SessionServerList(Registry registry, AddressSource localAddress)
     : m_registry(std::move(registry))
-    , m_hostAddresses(hostAddresses ? std::move(hostAddresses) : AddressSource(&LocalAddress::hostAddresses))
+    , m_localAddress(
+          localAddress ? std::move(localAddress) : AddressSource([] { return LocalAddress::GetLocalAddress(); }))
 { }
 
 QList<SessionServerEntry> SessionServerList::open() const
@@ -45,7 +46,7 @@ void SessionServerList::seedIfEmpty(const RegistryKey& key) const
 {
     if (key.readDword(Keys::kSessionDCount).value_or(0) != 0)
         return;
-    WriteEntry(0, {LocalAddress::pickLocalAddress(m_hostAddresses()), kPort, true});
+    WriteEntry(0, {m_localAddress(), kPort, true});
     key.writeDword(Keys::kSessionDCount, 1);
     key.writeDword(Keys::kSessionDChanged, 1);
 }

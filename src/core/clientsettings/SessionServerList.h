@@ -28,10 +28,10 @@ class SessionServerList
 public:
     static constexpr quint16 kPort = 55056;
 
-    // The machine's IPv4 addresses in the resolver's order; the host's own unless a test gives others.
-    using AddressSource = std::function<QStringList()>;
+    // The address clients reach this machine by (LocalAddress); the machine's unless a test gives another.
+    using AddressSource = std::function<QString()>;
 
-    explicit SessionServerList(Registry registry, AddressSource hostAddresses = {});
+    explicit SessionServerList(Registry registry, AddressSource localAddress = {});
 
     // The list the dialog opens with. The key is created when missing, and an empty list is seeded
     // at once in the registry with this machine's address, so the server always has one entry.
@@ -56,7 +56,7 @@ private:
     void seedIfEmpty(const RegistryKey& key) const;
 
     Registry m_registry;
-    AddressSource m_hostAddresses;
+    AddressSource m_localAddress;
 };
 
 } // namespace sable

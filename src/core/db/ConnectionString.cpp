@@ -2,6 +2,7 @@
 
 #include "Messages.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -9,7 +10,7 @@ namespace sable {
 namespace {
 
 // Reads one value starting at `i`: {braced} (with }} for a brace), "quoted" / 'quoted' (with the
-// quote doubled), or plain text up to the next ';'.
+// quote doubled), or plain text up to the next ';'. Quotes and braces are not part of the value.
 QString readValue(const QString& text, qsizetype& i)
 {
     const QChar open = i < text.size() ? text[i] : QChar();
@@ -27,8 +28,6 @@ QString readValue(const QString& text, qsizetype& i)
                 break;
             }
         }
-        if (open == u'{')
-            value = u'{' + value + u'}';
         while (i < text.size() && text[i] != u';')
             ++i;
         return value;
@@ -37,11 +36,6 @@ QString readValue(const QString& text, qsizetype& i)
     const QString value = text.mid(i, end < 0 ? -1 : end - i).trimmed();
     i = end < 0 ? text.size() : end;
     return value;
-}
-
-QString unbraced(const QString& value)
-{
-    return value.startsWith(u'{') && value.endsWith(u'}') ? value.mid(1, value.size() - 2) : value;
 }
 
 QString odbcValue(const QString& value)
@@ -60,16 +54,28 @@ DbTarget odbc(const QString& connection)
     return target;
 }
 
-DbTarget sqlite(const ConnectionString& cs)
+QString absoluteFrom(const QString& baseFolder, const QString& path)
 {
+    if (QFileInfo(path).isAbsolute() || baseFolder.isEmpty())
+        return QFileInfo(path).absoluteFilePath();
+    return QFileInfo(QDir(baseFolder), path).absoluteFilePath();
+}
+
+DbTarget sqlite(const ConnectionString& cs, const QString& baseFolder)
+{
+    const QString file = cs.value(QStringLiteral("data source"));
+    if (file.trimmed().isEmpty()) {
+        DbTarget missing;
+        missing.problem = Msg::kDataSourceMissing;
+        return missing;
+    }
     DbTarget target;
     target.driver = QStringLiteral("QSQLITE");
     // As a URI in read-write mode, so that opening a missing file fails instead of creating an
     // empty database in its place, unless the string asks for creation with FailIfMissing=False.
     const bool create
         = cs.value(QStringLiteral("failifmissing")).compare(QLatin1String("false"), Qt::CaseInsensitive) == 0;
-    const QString absolute = QFileInfo(cs.value(QStringLiteral("data source"))).absoluteFilePath();
-    target.databaseName = QUrl::fromLocalFile(absolute).toString(QUrl::FullyEncoded)
+    target.databaseName = QUrl::fromLocalFile(absoluteFrom(baseFolder, file)).toString(QUrl::FullyEncoded)
         + (create ? QStringLiteral("?mode=rwc") : QStringLiteral("?mode=rw"));
     target.connectOptions = QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=10000");
     return target;
@@ -126,12 +132,12 @@ ConnectionString ConnectionString::parse(const QString& text)
     return cs;
 }
 
-DbTarget resolveConnectionString(const QString& text, const QString& sqlServerOdbcDriver)
+DbTarget resolveConnectionString(const QString& text, const QString& sqlServerOdbcDriver, const QString& baseFolder)
 {
     const ConnectionString cs = ConnectionString::parse(text);
     if (cs.has(QStringLiteral("dsn")) || cs.has(QStringLiteral("driver")))
         return odbc(text);
-    const QString provider = unbraced(cs.value(QStringLiteral("provider"))).toLower();
+    const QString provider = cs.value(QStringLiteral("provider")).toLower();
     if (provider == QLatin1String("sqloledb") || provider.startsWith(QLatin1String("sqlncli"))
         || provider.startsWith(QLatin1String("msoledbsql")))
         return sqlServer(cs, sqlServerOdbcDriver);
@@ -140,7 +146,7 @@ DbTarget resolveConnectionString(const QString& text, const QString& sqlServerOd
         return odbc(QStringLiteral("DRIVER={Microsoft Access Driver (*.mdb)};DBQ=%1;")
                         .arg(odbcValue(cs.value(QStringLiteral("data source")))));
     if (provider == QLatin1String("sqlite"))
-        return sqlite(cs);
+        return sqlite(cs, baseFolder);
     if (provider == QLatin1String("postgresql"))
         return postgres(cs);
     DbTarget unknown;
@@ -149,11 +155,32 @@ DbTarget resolveConnectionString(const QString& text, const QString& sqlServerOd
     return unknown;
 }
 
+QString ConnectionString::quote(const QString& value)
+{
+    const bool plain = !value.contains(u';') && value.trimmed() == value && !value.startsWith(u'{')
+        && !value.startsWith(u'"') && !value.startsWith(u'\'');
+    if (plain)
+        return value;
+    if (!value.contains(u'"'))
+        return u'"' + value + u'"';
+    if (!value.contains(u'\''))
+        return u'\'' + value + u'\'';
+    return u'"' + QString(value).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
 QString sqliteConnectionString(const QString& path)
 {
-    const bool plain = !path.contains(u';') && !path.contains(u'"') && path.trimmed() == path;
-    const QString value = plain ? path : u'"' + QString(path).replace(u'"', QStringLiteral("\"\"")) + u'"';
-    return QStringLiteral("Provider=SQLite;Data Source=%1").arg(value);
+    return QStringLiteral("Provider=SQLite;Data Source=%1").arg(ConnectionString::quote(path));
+}
+
+QString embeddedDatabaseFile(const QString& text, const QString& baseFolder)
+{
+    const ConnectionString cs = ConnectionString::parse(text);
+    const QString file = cs.value(QStringLiteral("data source"));
+    if (cs.value(QStringLiteral("provider")).compare(QLatin1String("sqlite"), Qt::CaseInsensitive) != 0
+        || file.trimmed().isEmpty())
+        return {};
+    return QDir::cleanPath(absoluteFrom(baseFolder, file));
 }
 
 } // namespace sable

@@ -5,11 +5,17 @@
 
 namespace sable {
 
-// The pieces of an ADO-style "key=value;" connection string. Keys are kept in lower case.
+// The pieces of an ADO-style "key=value;" connection string. Keys are kept in lower case; a value
+// written in quotes ("..." or '...', the quote doubled inside) or braces ({...}, with }} for a brace)
+// is kept without them.
 class ConnectionString
 {
 public:
     static ConnectionString parse(const QString& text);
+
+    // `value` as it must be written after "key=" to be read back unchanged by parse(): as it stands
+    // when it can be, else in double quotes, or single quotes when it holds double ones.
+    static QString quote(const QString& value);
 
     QString value(const QString& key) const { return m_values.value(key.toLower()); }
     bool has(const QString& key) const { return m_values.contains(key.toLower()); }
@@ -36,10 +42,16 @@ struct DbTarget
 // Maps a connection string to a Qt driver: DSN= and DRIVER= strings go to ODBC as they stand,
 // Provider=sqloledb to ODBC with the SQL Server driver named `sqlServerOdbcDriver`, the Jet and ACE
 // providers to the Access ODBC driver, Provider=SQLite to the embedded engine and
-// Provider=PostgreSQL to the PostgreSQL client.
-DbTarget resolveConnectionString(const QString& text, const QString& sqlServerOdbcDriver);
+// Provider=PostgreSQL to the PostgreSQL client. A relative database file is taken from `baseFolder`
+// (the server's folder), never from the current folder.
+DbTarget resolveConnectionString(
+    const QString& text, const QString& sqlServerOdbcDriver, const QString& baseFolder = QString());
 
 // "Provider=SQLite;Data Source=..." for the embedded database file.
 QString sqliteConnectionString(const QString& path);
+
+// The file of an embedded-database string ("Provider=SQLite"), a relative path taken from
+// `baseFolder`; empty when the string names no such file.
+QString embeddedDatabaseFile(const QString& text, const QString& baseFolder);
 
 } // namespace sable

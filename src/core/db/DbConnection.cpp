@@ -8,6 +8,7 @@
 #include "db/SqliteNative.h"
 #include "platform/Registry.h"
 
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QMutex>
 #include <QSqlDriver>
@@ -213,8 +214,9 @@ DbConnection DbConnection::connectToSqlServer(
     const QString& user, const QString& password, const QString& address, const QString& databaseName)
 {
     DbConnection connection;
+    const auto q = &ConnectionString::quote;
     const QString text = QStringLiteral("Provider=sqloledb;User id=%1;password=%2;data source=%3;initial catalog=%4;")
-                             .arg(user, password, address, databaseName);
+                             .arg(q(user), q(password), q(address), q(databaseName));
     if (!connection.open(text))
         return {};
     return connection;
@@ -226,17 +228,19 @@ DbConnection DbConnection::connectByRegistryOrDefault(
     std::optional<QString> text;
     if (const auto key = registry.openKey(RegRoot::LocalMachine, Keys::kDatabase))
         text = key->readString(Keys::kConnectionString, RegBuffer::kConnectionString);
+    // A relative database file lies in the server's folder, the folder of the default database.
+    const QString home = QFileInfo(defaultDatabasePath).absolutePath();
     DbConnection connection;
-    if (connection.open(text.value_or(defaultConnectionString(defaultDatabasePath))))
+    if (connection.open(text.value_or(defaultConnectionString(defaultDatabasePath)), home))
         return connection;
     if (report)
         report(lastErrorMessage(), lastError());
     return {};
 }
 
-bool DbConnection::open(const QString& connectionString)
+bool DbConnection::open(const QString& connectionString, const QString& baseFolder)
 {
-    const DbTarget target = resolveConnectionString(connectionString, sqlServerOdbcDriver());
+    const DbTarget target = resolveConnectionString(connectionString, sqlServerOdbcDriver(), baseFolder);
     if (target.driver.isEmpty()) {
         setLastError(formatDbError(QSqlError(target.problem, target.problem, QSqlError::ConnectionError),
                          QStringLiteral("SableManager")),
@@ -258,8 +262,11 @@ bool DbConnection::open(const QString& connectionString)
         recordError(db.lastError());
         return false;
     }
-    if (target.driver == QLatin1String("QSQLITE"))
-        useWriteAheadLog();
+    if (target.driver != QLatin1String("QSQLITE"))
+        return true;
+    if (!isSqliteDatabase())
+        return false;
+    useWriteAheadLog();
     return true;
 }
 
@@ -270,6 +277,22 @@ void DbConnection::useWriteAheadLog()
     // the database stays as it is.
     executeNoRecords(QStringLiteral("PRAGMA busy_timeout = 60000"));
     execute(QStringLiteral("PRAGMA journal_mode = WAL"));
+}
+
+bool DbConnection::isSqliteDatabase()
+{
+    // The engine opens any file and only its first read finds that it holds no database: read now,
+    // so that a text file fails here, as a missing one does, before anyone takes it for empty.
+    QSqlError error;
+    {
+        QSqlQuery probe(database());
+        if (probe.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master")))
+            return true;
+        error = probe.lastError();
+    }
+    recordError(error);
+    database().close();
+    return false;
 }
 
 bool DbConnection::isOpen() const
@@ -446,7 +469,9 @@ QString DbConnection::defaultConnectionString(const QString& defaultDatabasePath
     return QStringLiteral("DRIVER={Microsoft Access Driver (*.mdb)};DBQ=%1;DefaultDir=;UID=admin;PWD=;")
         .arg(defaultDatabasePath);
 #else
-    return sqliteConnectionString(defaultDatabasePath);
+    // Relative to the server's folder, so that a copy of the folder works on its own copy of the
+    // database instead of the original's.
+    return sqliteConnectionString(QFileInfo(defaultDatabasePath).fileName());
 #endif
 }
 

@@ -73,13 +73,15 @@ public:
     // The SQL Server string from the [DBInfo] values; an empty connection on failure.
     static DbConnection connectToSqlServer(
         const QString& user, const QString& password, const QString& address, const QString& databaseName);
-    // The registry's "ConnectionString", else the default string for `defaultDatabasePath`. A
-    // failure is reported through `report` (caption: the driver's message; text: the error text).
+    // The registry's "ConnectionString", else the default string for `defaultDatabasePath`; a
+    // relative database file lies beside `defaultDatabasePath`. A failure is reported through
+    // `report` (caption: the driver's message; text: the error text).
     static DbConnection connectByRegistryOrDefault(
         const Registry& registry, const QString& defaultDatabasePath, const FailureReporter& report);
 
-    // Opens `connectionString`; false on failure, with the last-error text set.
-    bool open(const QString& connectionString);
+    // Opens `connectionString`; false on failure, with the last-error text set. A relative database
+    // file is taken from `baseFolder` (the server's folder) when one is given.
+    bool open(const QString& connectionString, const QString& baseFolder = QString());
 
     // True when no database object exists (never opened, or the open failed in a connect call).
     bool isEmpty() const { return m_name.isEmpty(); }
@@ -114,6 +116,8 @@ public:
     static QString lastError();
     // The driver's message of that failure, the caption of its message box.
     static QString lastErrorMessage();
+    // The string start-up writes when none is stored: the Access file by its full path on Windows
+    // (the installed server reads it so), elsewhere the embedded file relative to the server's folder.
     static QString defaultConnectionString(const QString& defaultDatabasePath);
     // The ODBC driver that "Provider=sqloledb" strings are opened with (a setting of start-up).
     static void setSqlServerOdbcDriver(const QString& name);
@@ -122,6 +126,7 @@ public:
 private:
     void release();
     void useWriteAheadLog();
+    bool isSqliteDatabase();
 
     QString m_name;
 };

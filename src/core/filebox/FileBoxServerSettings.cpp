@@ -27,15 +27,16 @@ quint32 readOrSettleDword(const RegistryKey& key, const QString& name, quint32 f
 
 } // namespace
 
-FileBoxServerSettings::FileBoxServerSettings(Registry registry, AppPaths paths, AddressSource firstHostAddress)
+FileBoxServerSettings::FileBoxServerSettings(Registry registry, AppPaths paths, AddressSource localAddress)
     : m_registry(std::move(registry))
     , m_paths(std::move(paths))
-    , m_firstHostAddress(firstHostAddress ? std::move(firstHostAddress) : &LocalAddress::firstHostAddress)
+    , m_localAddress(
+          localAddress ? std::move(localAddress) : AddressSource([] { return LocalAddress::GetLocalAddress(); }))
 { }
 
 FileBoxServerValues FileBoxServerSettings::defaults() const
 {
-    return {FileBoxHome::defaultPath(m_paths), kDefaultFirstPort, kDefaultLastPort, m_firstHostAddress()};
+    return {FileBoxHome::defaultPath(m_paths), kDefaultFirstPort, kDefaultLastPort, m_localAddress()};
 }
 
 FileBoxServerValues FileBoxServerSettings::open() const
@@ -54,7 +55,7 @@ FileBoxServerValues FileBoxServerSettings::open() const
     if (const auto address = key->readString(Keys::kCustomPasvIp, RegBuffer::kPath)) {
         values.passiveAddress = *address;
     } else {
-        values.passiveAddress = m_firstHostAddress();
+        values.passiveAddress = m_localAddress();
         key->writeString(Keys::kCustomPasvIp, values.passiveAddress);
     }
     QDir().mkpath(values.homeDirectory);
@@ -68,6 +69,8 @@ bool FileBoxServerSettings::isPortRangeValid(quint32 firstPort, quint32 lastPort
 
 FileBoxServerSettings::Confirm FileBoxServerSettings::confirm(const FileBoxServerValues& values) const
 {
+    if (!isPortInRange(values.firstPort) || !isPortInRange(values.lastPort))
+        return Confirm::PortOutOfRange;
     if (!isPortRangeValid(values.firstPort, values.lastPort))
         return Confirm::BadPortRange;
     if (const auto key = m_registry.createKey(RegRoot::LocalMachine, Keys::kSableBoxServer)) {

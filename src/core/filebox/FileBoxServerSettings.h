@@ -27,11 +27,13 @@ class FileBoxServerSettings
 public:
     static constexpr quint32 kDefaultFirstPort = 55100;
     static constexpr quint32 kDefaultLastPort = 55109;
+    static constexpr quint32 kLowestPort = 1;
+    static constexpr quint32 kHighestPort = 65535;
 
-    // The first IPv4 address of the local host name; the resolver's unless a test gives another.
+    // The address clients reach this machine by (LocalAddress); the machine's unless a test gives another.
     using AddressSource = std::function<QString()>;
 
-    FileBoxServerSettings(Registry registry, AppPaths paths, AddressSource firstHostAddress = {});
+    FileBoxServerSettings(Registry registry, AppPaths paths, AddressSource localAddress = {});
 
     // What the dialog opens with. Every value that cannot be read gets its default, which is written
     // back at once, so that one opening completes the registry; the home directory is created on disk.
@@ -40,10 +42,12 @@ public:
 
     // The range is usable only when the first port is strictly below the last.
     static bool isPortRangeValid(quint32 firstPort, quint32 lastPort);
+    static bool isPortInRange(quint32 port) { return port >= kLowestPort && port <= kHighestPort; }
 
     enum class Confirm
     {
         Saved,
+        PortOutOfRange, // a port that is no port number; nothing written
         BadPortRange, // nothing written
     };
     // Writes the four values (a failing write is not reported) and creates the home directory.
@@ -54,7 +58,7 @@ public:
 private:
     Registry m_registry;
     AppPaths m_paths;
-    AddressSource m_firstHostAddress;
+    AddressSource m_localAddress;
 };
 
 } // namespace sable

@@ -12,17 +12,27 @@ RecipientModel::RecipientModel(QObject* parent)
 
 bool RecipientModel::AddRecipient(const QString& name, const QString& email, const QString& id, const QString& password)
 {
-    if (!email.contains(u'@') || !email.contains(u'.'))
-        return false;
-    for (const Row& row : std::as_const(m_rows)) {
-        if (row.recipient.email == email)
-            return false;
+    return addRecipients({{name, email, id, password}}) == 1;
+}
+
+int RecipientModel::addRecipients(const QList<Recipient>& recipients)
+{
+    // The addresses already listed are kept in a set: a department of thousands is checked in one pass.
+    QList<Row> fresh;
+    for (const Recipient& recipient : recipients) {
+        const QString& email = recipient.email;
+        if (!email.contains(u'@') || !email.contains(u'.') || m_emails.contains(email))
+            continue;
+        m_emails.insert(email);
+        fresh.append(Row {recipient, Result::None});
     }
+    if (fresh.isEmpty())
+        return 0;
     const int at = rowCount();
-    beginInsertRows({}, at, at);
-    m_rows.append(Row {{name, email, id, password}, Result::None});
+    beginInsertRows({}, at, at + static_cast<int>(fresh.size()) - 1);
+    m_rows.append(fresh);
     endInsertRows();
-    return true;
+    return static_cast<int>(fresh.size());
 }
 
 void RecipientModel::setResult(int row, Result result)
@@ -44,6 +54,7 @@ void RecipientModel::clear()
 {
     beginResetModel();
     m_rows.clear();
+    m_emails.clear();
     endResetModel();
 }
 

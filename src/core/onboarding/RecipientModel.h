@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QList>
+#include <QSet>
 
 #include <optional>
 
@@ -44,6 +45,8 @@ public:
     // Appends a recipient. Refused, silently, when the address lacks "@" or ".", or when a row
     // already holds the same address text. True when the row was added.
     bool AddRecipient(const QString& name, const QString& email, const QString& id, const QString& password);
+    // The same for many at once, in their order, as one insertion; returns how many were added.
+    int addRecipients(const QList<Recipient>& recipients);
 
     const Recipient& recipient(int row) const { return m_rows.at(row).recipient; }
     Result result(int row) const { return m_rows.at(row).result; }
@@ -67,6 +70,7 @@ private:
         Result result = Result::None;
     };
     QList<Row> m_rows;
+    QSet<QString> m_emails; // the addresses of m_rows
 };
 
 } // namespace sable

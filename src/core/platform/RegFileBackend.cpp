@@ -37,6 +37,11 @@ public:
 
     bool continues(QByteArrayView line) const override { return line.trimmed().endsWith('\\'); }
     bool blankLineBeforeNewSection() const override { return true; }
+    bool isIgnorable(QByteArrayView line) const override
+    {
+        const QByteArrayView text = line.trimmed();
+        return text.isEmpty() || text.startsWith(';') || text == kHeader || text == "REGEDIT4";
+    }
 
     // Parses "text" at the start of `text` (with \\ and \" escapes) into `out`; returns the index
     // just after the closing quote, or -1.
@@ -126,6 +131,41 @@ std::optional<QString> parseHexString(QByteArrayView data)
     return text;
 }
 
+// The text of a string value: "quoted" or hex(1):...; nullopt for any other data.
+std::optional<QString> stringData(QByteArrayView data)
+{
+    if (data.startsWith("hex(1):"))
+        return parseHexString(data.sliced(7));
+    QString text;
+    const qsizetype end = RegSyntax::parseQuoted(data, &text);
+    return end == data.size() ? std::optional<QString>(text) : std::nullopt;
+}
+
+std::optional<std::uint32_t> dwordData(QByteArrayView data)
+{
+    if (!data.startsWith("dword:") || data.size() > 6 + 8)
+        return std::nullopt;
+    bool ok = false;
+    const uint value = data.sliced(6).toUInt(&ok, 16);
+    return ok ? std::optional<std::uint32_t>(value) : std::nullopt;
+}
+
+// Data of another type that regedit writes as bytes: hex:..., hex(2):..., and so on.
+bool isHexData(QByteArrayView data)
+{
+    const qsizetype colon = data.indexOf(':');
+    if (!data.startsWith("hex") || colon < 0)
+        return false;
+    for (const QByteArray& part : data.sliced(colon + 1).toByteArray().replace('\\', ' ').split(',')) {
+        bool ok = part.trimmed().isEmpty();
+        if (!ok)
+            part.trimmed().toUInt(&ok, 16);
+        if (!ok)
+            return false;
+    }
+    return true;
+}
+
 QByteArray hexString(const QString& value)
 {
     QStringList parts;
@@ -171,18 +211,7 @@ std::optional<std::string> RegFileBackend::readString(
     RegRoot root, const std::string& path, const std::string& name, std::size_t bufferBytes)
 {
     const auto entry = valueText(root, path, name);
-    if (!entry)
-        return std::nullopt;
-    const QByteArrayView data = dataOf(*entry);
-    std::optional<QString> value;
-    if (data.startsWith("hex(1):")) {
-        value = parseHexString(data.sliced(7));
-    } else {
-        QString text;
-        const qsizetype end = RegSyntax::parseQuoted(data, &text);
-        if (end == data.size())
-            value = text;
-    }
+    const std::optional<QString> value = entry ? stringData(dataOf(*entry)) : std::nullopt;
     if (!value || static_cast<std::size_t>(CodePage949::byteLength(*value)) + 1 > bufferBytes)
         return std::nullopt;
     return value->toStdString();
@@ -191,16 +220,31 @@ std::optional<std::string> RegFileBackend::readString(
 std::optional<std::uint32_t> RegFileBackend::readDword(RegRoot root, const std::string& path, const std::string& name)
 {
     const auto entry = valueText(root, path, name);
-    if (!entry)
-        return std::nullopt;
-    const QByteArrayView data = dataOf(*entry);
-    if (!data.startsWith("dword:") || data.size() > 6 + 8)
-        return std::nullopt;
-    bool ok = false;
-    const uint value = data.sliced(6).toUInt(&ok, 16);
-    if (!ok)
-        return std::nullopt;
-    return value;
+    return entry ? dwordData(dataOf(*entry)) : std::nullopt;
+}
+
+ValuePresence RegFileBackend::valuePresence(RegRoot root, const std::string& path, const std::string& name)
+{
+    const SectionedText text = load(fileOf(root));
+    const QString section = sectionOf(root, path);
+    if (const auto entry = text.entryText(section, QString::fromStdString(name))) {
+        const QByteArrayView data = dataOf(*entry);
+        const bool wellFormed = stringData(data) || dwordData(data) || isHexData(data);
+        return wellFormed ? ValuePresence::Present : ValuePresence::Damaged;
+    }
+    if (!text.endsWithLineEnd())
+        return ValuePresence::Damaged;
+    for (const SectionedText::StrayLine& stray : text.strayLines()) {
+        const QString line = QString::fromUtf8(stray.text.trimmed());
+        const bool inKey = stray.section.compare(section, Qt::CaseInsensitive) == 0;
+        // "[HKEY_LOCAL_MACHINE\SOFTWARE\Halvex\Serv" or the whole name without its "]".
+        const bool namesKey = line.startsWith(u'[') && line.size() > 1
+            && (section.startsWith(line.mid(1), Qt::CaseInsensitive)
+                || line.mid(1).startsWith(section, Qt::CaseInsensitive));
+        if (inKey || namesKey)
+            return ValuePresence::Damaged;
+    }
+    return ValuePresence::Absent;
 }
 
 bool RegFileBackend::writeString(

@@ -21,6 +21,9 @@ public:
     std::optional<std::string> readString(
         RegRoot root, const std::string& path, const std::string& name, std::size_t bufferBytes) override;
     std::optional<std::uint32_t> readDword(RegRoot root, const std::string& path, const std::string& name) override;
+    // Damaged also when the key's section holds a line that is not a value, when a broken section
+    // header names the key, or when the file was cut (its last line has no line end).
+    ValuePresence valuePresence(RegRoot root, const std::string& path, const std::string& name) override;
     bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value) override;
     bool writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value) override;
 

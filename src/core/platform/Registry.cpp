@@ -48,6 +48,11 @@ std::optional<RegistryKey> Registry::createKey(RegRoot root, const QString& path
     return RegistryKey(m_backend, root, path);
 }
 
+ValuePresence Registry::presence(RegRoot root, const QString& path, const QString& name) const
+{
+    return m_backend->valuePresence(root, path.toStdString(), name.toStdString());
+}
+
 RegistryKey::RegistryKey(std::shared_ptr<RegistryBackend> backend, RegRoot root, QString path)
     : m_backend(std::move(backend))
     , m_root(root)

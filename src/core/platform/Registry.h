@@ -35,6 +35,8 @@ public:
     std::optional<RegistryKey> openKey(RegRoot root, const QString& path) const;
     // The key, created with every key above it when missing; nullopt when it cannot be created.
     std::optional<RegistryKey> createKey(RegRoot root, const QString& path) const;
+    // Whether a value is stored, also when its key's text is too damaged to open the key.
+    ValuePresence presence(RegRoot root, const QString& path, const QString& name) const;
 
     RegistryBackend& backend() const { return *m_backend; }
 

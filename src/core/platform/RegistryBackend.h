@@ -15,6 +15,14 @@ enum class RegRoot
     CurrentUser,
 };
 
+// Whether a value is stored, whatever a read of it into some buffer would give.
+enum class ValuePresence
+{
+    Absent,
+    Present,
+    Damaged, // the text that holds the value, or its key, cannot be parsed: it may be there
+};
+
 // The registry operations the console uses. Paths and values are UTF-8; key paths ignore case.
 class RegistryBackend
 {
@@ -31,6 +39,13 @@ public:
         RegRoot root, const std::string& path, const std::string& name, std::size_t bufferBytes)
         = 0;
     virtual std::optional<std::uint32_t> readDword(RegRoot root, const std::string& path, const std::string& name) = 0;
+
+    // A store that cannot be damaged (the Windows registry) knows a value by reading it whole.
+    virtual ValuePresence valuePresence(RegRoot root, const std::string& path, const std::string& name)
+    {
+        const bool stored = readString(root, path, name, static_cast<std::size_t>(-1)) || readDword(root, path, name);
+        return stored ? ValuePresence::Present : ValuePresence::Absent;
+    }
 
     // Writes into an existing key; false when the key is missing or the write failed.
     virtual bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value)

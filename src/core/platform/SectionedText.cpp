@@ -87,6 +87,23 @@ bool SectionedText::hasSectionUnder(const QString& prefix, QChar separator) cons
     return false;
 }
 
+std::vector<SectionedText::StrayLine> SectionedText::strayLines() const
+{
+    std::vector<StrayLine> strays;
+    QString section;
+    const int count = static_cast<int>(m_lines.size());
+    for (int i = 0; i < count; ++i) {
+        const QByteArray& text = m_lines[static_cast<size_t>(i)].text;
+        if (const auto name = m_syntax.sectionName(text))
+            section = *name;
+        else if (m_syntax.entryName(text))
+            i = entryEnd(i, count - 1);
+        else if (!m_syntax.isIgnorable(text))
+            strays.push_back({section, text});
+    }
+    return strays;
+}
+
 std::optional<QByteArray> SectionedText::entryText(const QString& section, const QString& name) const
 {
     const Range entry = entryRange(sectionRange(section), name);

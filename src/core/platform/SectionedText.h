@@ -23,6 +23,8 @@ public:
     virtual bool continues(QByteArrayView) const { return false; }
     // Whether a new section is set off from the one before by a blank line.
     virtual bool blankLineBeforeNewSection() const { return false; }
+    // Whether a line that is neither a section nor an entry is meant so (blanks, comments).
+    virtual bool isIgnorable(QByteArrayView line) const { return line.trimmed().isEmpty(); }
 };
 
 // A settings file held as its lines, so that a change rewrites only the lines it is about and every
@@ -45,6 +47,17 @@ public:
     QByteArray serialize() const;
 
     bool isEmpty() const { return m_lines.empty(); }
+    // False when the last line has no line end: the file was cut while it was written or copied.
+    bool endsWithLineEnd() const { return m_lines.empty() || !m_lines.back().eol.isEmpty(); }
+
+    // A line that opens no section, starts or continues no entry and is not ignorable, with the
+    // name of the section it stands in (empty before the first).
+    struct StrayLine
+    {
+        QString section;
+        QByteArray text;
+    };
+    std::vector<StrayLine> strayLines() const;
     bool hasSection(const QString& section) const;
     // True when a section is `prefix` itself or lies below it (`prefix` + separator + ...).
     bool hasSectionUnder(const QString& prefix, QChar separator) const;

@@ -12,12 +12,9 @@ namespace {
 
 constexpr int kDbInfoBuffer = 129;
 
-// A connection-string value, quoted when it would otherwise end early or lose blanks.
 QString quoted(const QString& value)
 {
-    if (!value.contains(u';') && !value.contains(u'"') && !value.contains(u'\'') && value.trimmed() == value)
-        return value;
-    return u'"' + QString(value).replace(u'"', QStringLiteral("\"\"")) + u'"';
+    return ConnectionString::quote(value);
 }
 
 bool isAccessFile(const QString& path)

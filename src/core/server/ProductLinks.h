@@ -8,7 +8,8 @@ namespace sable {
 class Registry;
 
 // The product's web addresses: online help, home page and the download of the upgrade program.
-// They are settings (values under HKLM SOFTWARE\Halvex\SableManager) with defaults of their own.
+// They are settings (HKLM SOFTWARE\Halvex\SableManager "HelpURL", "ProductHomeURL", "UpgradeURL");
+// a missing or malformed one falls back to a page on the vendor's host ("VendorHomePageHost").
 struct ProductLinks
 {
     QUrl help;

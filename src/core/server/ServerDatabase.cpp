@@ -1,9 +1,12 @@
 #include "server/ServerDatabase.h"
 
+#include "Messages.h"
 #include "SettingsKeys.h"
 #include "db/ConnectionString.h"
 #include "platform/IniFile.h"
 #include "server/StartupConfig.h"
+
+#include <QSqlError>
 
 namespace sable::ServerDatabase {
 namespace {
@@ -30,6 +33,14 @@ DbConnection connect(const StartupConfig& config, const DbConnection::FailureRep
     const ServerAddress server = readServerAddress(config);
     if (!server.address.isEmpty())
         return DbConnection::connectToSqlServer(server.user, server.password, server.address, server.databaseName);
+    // A stored string that start-up cannot read is never replaced by the default database: working
+    // there would put the chart where the server does not look.
+    if (const QString problem = config.connectionProblem(); !problem.isEmpty()) {
+        DbConnection().recordError(QSqlError(problem, problem, QSqlError::ConnectionError));
+        if (report)
+            report(Msg::kDatabaseOpenFailed, DbConnection::lastError());
+        return {};
+    }
     return DbConnection::connectByRegistryOrDefault(config.registry(), config.paths().defaultDatabasePath, report);
 }
 
@@ -42,7 +53,7 @@ QString describe(const StartupConfig& config)
     const ConnectionString cs = ConnectionString::parse(text);
     const QString provider = cs.value(QStringLiteral("provider")).toLower();
     if (provider == QLatin1String("sqlite"))
-        return QStringLiteral("SQLite %1").arg(cs.value(QStringLiteral("data source")));
+        return QStringLiteral("SQLite %1").arg(embeddedDatabaseFile(text, config.paths().programFolder));
     if (provider == QLatin1String("postgresql"))
         return QStringLiteral("PostgreSQL %1/%2")
             .arg(cs.value(QStringLiteral("host")), cs.value(QStringLiteral("database")));

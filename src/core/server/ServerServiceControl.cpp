@@ -22,7 +22,7 @@ bool sameReading(const ServiceReply& a, const ServiceReply& b)
 ServerServiceControl::ServerServiceControl(std::shared_ptr<ServiceBackend> backend, AppPaths paths, QObject* parent)
     : QObject(parent)
     , m_paths(std::move(paths))
-    , m_controller(std::move(backend), interruptibleClock())
+    , m_controller(std::make_shared<ServiceController>(std::move(backend), interruptibleClock()))
 {
     // A refresh, a Start all and a Stop server may overlap; more never do.
     m_pool.setMaxThreadCount(3);
@@ -50,19 +50,40 @@ ServiceClock ServerServiceControl::interruptibleClock()
     return clock;
 }
 
+std::shared_ptr<const ServiceController> ServerServiceControl::controller() const
+{
+    std::lock_guard lock(m_controllerMutex);
+    return m_controller;
+}
+
+ServiceBackend& ServerServiceControl::backend() const
+{
+    return controller()->backend();
+}
+
+void ServerServiceControl::setBackend(std::shared_ptr<ServiceBackend> backend)
+{
+    {
+        // Work under way keeps the controller it started with.
+        std::lock_guard lock(m_controllerMutex);
+        m_controller = std::make_shared<ServiceController>(std::move(backend), interruptibleClock());
+    }
+    refreshStates();
+}
+
 bool ServerServiceControl::isRunning(const QString& name) const
 {
-    return m_controller.isRunning(name.toStdString());
+    return controller()->isRunning(name.toStdString());
 }
 
 bool ServerServiceControl::startService(const QString& name) const
 {
-    return m_controller.startService(name.toStdString());
+    return controller()->startService(name.toStdString());
 }
 
 bool ServerServiceControl::stopService(const QString& name) const
 {
-    return m_controller.stopService(name.toStdString());
+    return controller()->stopService(name.toStdString());
 }
 
 bool ServerServiceControl::isFileBoxServerRunning() const
@@ -78,8 +99,9 @@ bool ServerServiceControl::stopFileBoxServer() const
 QStringList ServerServiceControl::registerMissingServices() const
 {
     QStringList launched;
+    const auto services = controller();
     for (const QString& name : ServerServices::kRegistrationOrder) {
-        if (m_controller.query(name.toStdString()).outcome != ServiceOutcome::DoesNotExist)
+        if (services->query(name.toStdString()).outcome != ServiceOutcome::DoesNotExist)
             continue;
         const QString program = ProcessLauncher::programPath(m_paths.programFolder, name);
         if (ProcessLauncher::launchDetached(program, {ServerServices::kServiceSwitch}, m_paths.programFolder))
@@ -172,10 +194,10 @@ void ServerServiceControl::refreshStates()
 {
     if (m_bRefreshing.exchange(true))
         return;
-    m_pool.start([this] {
+    m_pool.start([this, services = controller()] {
         States states;
         for (const QString& name : ServerServices::kStartAllOrder)
-            states.insert(name, m_controller.query(name.toStdString()));
+            states.insert(name, services->query(name.toStdString()));
         QMetaObject::invokeMethod(
             this, [this, states] { applyStates(states); }, Qt::QueuedConnection);
     });
@@ -201,6 +223,17 @@ QStringList ServerServiceControl::runningServices() const
     return running;
 }
 
+QString ServerServiceControl::unavailableReason() const
+{
+    if (m_states.isEmpty())
+        return {};
+    for (const ServiceReply& reply : m_states) {
+        if (reply.outcome != ServiceOutcome::Unavailable)
+            return {};
+    }
+    return QString::fromStdString(m_states.first().message);
+}
+
 bool ServerServiceControl::isStartEnabled() const
 {
     return !isBusy() && startEnabledFor(runningServices());
@@ -208,7 +241,8 @@ bool ServerServiceControl::isStartEnabled() const
 
 bool ServerServiceControl::isStopEnabled() const
 {
-    return !isBusy() && stopEnabledFor(runningServices());
+    // Also when nothing can be reached, so that the command can say why.
+    return !isBusy() && (stopEnabledFor(runningServices()) || !unavailableReason().isEmpty());
 }
 
 bool ServerServiceControl::startEnabledFor(const QStringList& running)

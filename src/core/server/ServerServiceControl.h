@@ -38,7 +38,11 @@ public:
     // waits for the workers to end.
     ~ServerServiceControl() override;
 
-    ServiceBackend& backend() const { return m_controller.backend(); }
+    // The service manager in use; valid until setBackend().
+    ServiceBackend& backend() const;
+    // Another service manager from now on (its settings changed); operations under way finish with
+    // the one they started with. The states are read again.
+    void setBackend(std::shared_ptr<ServiceBackend> backend);
 
     // The primitives; start and stop wait while the service is pending, so keep them off the UI thread.
     bool isRunning(const QString& name) const;
@@ -75,9 +79,13 @@ public:
     void refreshStates();
     const States& states() const { return m_states; }
     QStringList runningServices() const;
+    // Why no service can be controlled, as the service manager said, when none of the seven could be
+    // reached at the last reading; empty when at least one could.
+    QString unavailableReason() const;
 
     // Start (32801) is enabled when a counted service is not running, Stop (32802) when a counted
-    // one runs; both are disabled while a worker of this object runs.
+    // one runs or none can be reached (so that it can say why); both are disabled while a worker of
+    // this object runs.
     bool isStartEnabled() const;
     bool isStopEnabled() const;
     static bool startEnabledFor(const QStringList& running);
@@ -92,11 +100,13 @@ Q_SIGNALS:
 
 private:
     ServiceClock interruptibleClock();
+    std::shared_ptr<const ServiceController> controller() const;
     void runBusy(std::function<void()> work, std::function<void()> done);
     void applyStates(const States& states);
 
     AppPaths m_paths;
-    ServiceController m_controller;
+    mutable std::mutex m_controllerMutex;
+    std::shared_ptr<ServiceController> m_controller;
     QThreadPool m_pool;
     QTimer m_refreshTimer;
     States m_states;

@@ -1,7 +1,9 @@
 #include "server/ServiceManagerSettings.h"
 
+#include "Messages.h"
 #include "SettingsKeys.h"
 #include "platform/SupervisorServiceBackend.h"
+#include "server/ServerServices.h"
 
 #ifdef Q_OS_WIN
 #include "platform/WinServiceBackend.h"
@@ -55,8 +57,62 @@ std::shared_ptr<ServiceBackend> ServiceManagerSettings::createBackend() const
     case Kind::None:
         break;
     }
-    const QString reason = problem.isEmpty() ? QStringLiteral("no service manager is configured") : problem;
+    const QString reason = problem.isEmpty()
+        ? QStringLiteral("no service manager is configured (HKLM SOFTWARE\\Halvex\\SableManager \"ServiceManager\")")
+        : problem;
     return std::make_shared<UnavailableServiceBackend>(reason.toStdString());
+}
+
+QString ServiceManagerSettings::unavailableSummary() const
+{
+    if (!problem.isEmpty())
+        return Msg::kServicesUnknownManager;
+    switch (kind) {
+    case Kind::Supervisord:
+        return Msg::kServicesSupervisorUnreachable;
+    case Kind::Scm:
+#ifdef Q_OS_WIN
+        return Msg::kServicesScmUnreachable;
+#else
+        return Msg::kServicesNoScm;
+#endif
+    case Kind::None:
+        break;
+    }
+    return Msg::kServicesNotConfigured;
+}
+
+ServiceManagerSettings::Probe ServiceManagerSettings::probe() const
+{
+    if (kind == Kind::None || !problem.isEmpty())
+        return {false, unavailableSummary()};
+    Probe result;
+    QStringList known;
+    QStringList unknown;
+    if (kind == Kind::Supervisord) {
+        const SupervisorClient client({QUrl(supervisorUrl), supervisorUser, supervisorPassword});
+        const auto version = client.call(QStringLiteral("supervisor.getSupervisorVersion"));
+        const auto state = client.call(QStringLiteral("supervisor.getState"));
+        if (version.kind != SupervisorClient::Result::Kind::Value
+            || state.kind != SupervisorClient::Result::Kind::Value)
+            return {false, version.kind != SupervisorClient::Result::Kind::Value ? version.message : state.message};
+        result.answer
+            = QStringLiteral("supervisord %1 (%2)")
+                  .arg(version.value.toString(), state.value.toMap().value(QStringLiteral("statename")).toString());
+    }
+    const auto backend = createBackend();
+    for (const QString& name : ServerServices::kInstallOrder) {
+        const ServiceReply reply = backend->query(name.toStdString());
+        if (reply.outcome == ServiceOutcome::Unavailable)
+            return {false, QString::fromStdString(reply.message)};
+        (reply.outcome == ServiceOutcome::DoesNotExist ? unknown : known) << name;
+    }
+    result.bReached = true;
+    result.answer += (result.answer.isEmpty() ? QString() : QStringLiteral("\n"))
+        + Msg::kServiceManagerKnows.arg(known.size()).arg(known.join(QStringLiteral(", ")));
+    if (!unknown.isEmpty())
+        result.answer += u'\n' + Msg::kServiceManagerUnknown.arg(unknown.join(QStringLiteral(", ")));
+    return result;
 }
 
 ServiceManagerSettings::Kind ServiceManagerSettings::defaultKind()

@@ -1,7 +1,11 @@
 #include "server/StartupConfig.h"
 
+#include "Messages.h"
 #include "SettingsKeys.h"
 #include "db/DbConnection.h"
+#include "platform/CodePage949.h"
+
+#include <limits>
 
 namespace sable {
 namespace {
@@ -20,7 +24,10 @@ StartupSettings StartupConfig::read() const
     StartupSettings settings;
     settings.serverType = readServerType();
     settings.bBalloonHelp = readBalloonHelp();
-    settings.connectionString = settleConnectionString(&settings.bWroteDefaultConnection);
+    const ConnectionSetting connection = settleConnection();
+    settings.connectionString = connection.text;
+    settings.bWroteDefaultConnection = connection.bWroteDefault;
+    settings.connectionProblem = connection.problem;
     settings.databaseType = readDatabaseType();
     settings.versionTag = readVersionTag();
     DbConnection::setSqlServerOdbcDriver(readSqlServerOdbcDriver());
@@ -61,21 +68,54 @@ QString StartupConfig::readVersionTag() const
     return value.value_or(kDefaultVersionTag);
 }
 
+ConnectionSetting StartupConfig::settleConnection() const
+{
+    ConnectionSetting setting;
+    if (const auto existing = m_registry.openKey(RegRoot::LocalMachine, Keys::kDatabase)) {
+        if (const auto stored = existing->readString(Keys::kConnectionString, RegBuffer::kStartupConnectionString)) {
+            setting.text = *stored;
+            return setting;
+        }
+    }
+    // Checked before anything is written: a damaged file is left exactly as it is.
+    setting.problem = connectionProblem();
+    if (!setting.problem.isEmpty())
+        return setting;
+    setting.text = DbConnection::defaultConnectionString(m_paths.defaultDatabasePath);
+    if (const auto key = m_registry.createKey(RegRoot::LocalMachine, Keys::kDatabase)) {
+        key->writeString(Keys::kConnectionString, setting.text);
+        key->writeString(Keys::kDatabaseType, defaultDatabaseType());
+        setting.bWroteDefault = true;
+    }
+    return setting;
+}
+
 QString StartupConfig::settleConnectionString(bool* wroteDefault) const
 {
+    const ConnectionSetting setting = settleConnection();
     if (wroteDefault)
-        *wroteDefault = false;
-    const auto key = m_registry.createKey(RegRoot::LocalMachine, Keys::kDatabase);
-    if (!key)
-        return DbConnection::defaultConnectionString(m_paths.defaultDatabasePath);
-    if (const auto stored = key->readString(Keys::kConnectionString, RegBuffer::kStartupConnectionString))
-        return *stored;
-    const QString text = DbConnection::defaultConnectionString(m_paths.defaultDatabasePath);
-    key->writeString(Keys::kConnectionString, text);
-    key->writeString(Keys::kDatabaseType, defaultDatabaseType());
-    if (wroteDefault)
-        *wroteDefault = true;
-    return text;
+        *wroteDefault = setting.bWroteDefault;
+    return setting.text;
+}
+
+QString StartupConfig::connectionProblem() const
+{
+    const auto key = m_registry.openKey(RegRoot::LocalMachine, Keys::kDatabase);
+    if (key && key->readString(Keys::kConnectionString, RegBuffer::kStartupConnectionString))
+        return {};
+    switch (m_registry.presence(RegRoot::LocalMachine, Keys::kDatabase, Keys::kConnectionString)) {
+    case ValuePresence::Absent:
+        return {};
+    case ValuePresence::Damaged:
+        return Msg::kConnectionStringUnreadable + u'\n' + Msg::kConnectionStringDamaged;
+    case ValuePresence::Present:
+        break;
+    }
+    const auto whole = key ? key->readString(Keys::kConnectionString, std::numeric_limits<int>::max()) : std::nullopt;
+    const QString detail = whole ? Msg::kConnectionStringTooLong.arg(CodePage949::byteLength(*whole))
+                                       .arg(RegBuffer::kStartupConnectionString - 1)
+                                 : Msg::kConnectionStringNotText;
+    return Msg::kConnectionStringUnreadable + u'\n' + detail;
 }
 
 QString StartupConfig::readDatabaseType() const

@@ -11,6 +11,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace sable::StartupSteps {
 namespace {
 
@@ -21,11 +23,29 @@ bool samePath(const QString& a, const QString& b)
     return QDir::cleanPath(QFileInfo(a).absoluteFilePath()) == QDir::cleanPath(QFileInfo(b).absoluteFilePath());
 }
 
+// The embedded database file that the stored connection string names, relative paths taken from
+// the server's folder; empty for another kind of database.
+QString embeddedFile(const StartupConfig& config)
+{
+    return embeddedDatabaseFile(config.settleConnectionString(), config.paths().programFolder);
+}
+
 } // namespace
 
 bool hasInstallSwitch(const QStringList& arguments)
 {
-    return arguments.join(u' ').contains(QLatin1String("/install"));
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString& argument = arguments[i];
+        if (kOptionsWithValue.contains(argument)) {
+            ++i; // the option's value
+            continue;
+        }
+        const bool optionWithValue = std::any_of(kOptionsWithValue.cbegin(), kOptionsWithValue.cend(),
+            [&argument](const QString& option) { return argument.startsWith(option + u'='); });
+        if (!optionWithValue && argument.contains(QLatin1String("/install")))
+            return true;
+    }
+    return false;
 }
 
 QStringList runInstallSwitch(const AppPaths& paths)
@@ -43,10 +63,9 @@ EmbeddedDatabase ensureEmbeddedDatabase(const StartupConfig& config)
 {
     if (!ServerDatabase::readServerAddress(config).address.isEmpty())
         return EmbeddedDatabase::NotUsed;
-    const ConnectionString cs = ConnectionString::parse(config.settleConnectionString());
     const QString path = config.paths().defaultDatabasePath;
-    if (cs.value(QStringLiteral("provider")).compare(QLatin1String("sqlite"), Qt::CaseInsensitive) != 0
-        || !samePath(cs.value(QStringLiteral("data source")), path))
+    const QString file = embeddedFile(config);
+    if (file.isEmpty() || !samePath(file, path))
         return EmbeddedDatabase::NotUsed;
     DbConnection connection;
     const bool existed = QFileInfo::exists(path);
@@ -80,9 +99,20 @@ PassiveAddress fillPassiveAddress(const StartupConfig& config)
     result.address = key->readString(Keys::kCustomPasvIp, RegBuffer::kPath).value_or(QString());
     if (!result.address.isEmpty())
         return result;
-    result.address = LocalAddress::firstHostAddress();
+    result.address = LocalAddress::GetLocalAddress();
     result.bWritten = key->writeString(Keys::kCustomPasvIp, result.address);
     return result;
+}
+
+QString databaseOutsideHome(const StartupConfig& config)
+{
+    if (!ServerDatabase::readServerAddress(config).address.isEmpty())
+        return {};
+    const QString file = embeddedFile(config);
+    const QString home = QDir::cleanPath(QFileInfo(config.paths().programFolder).absoluteFilePath());
+    if (file.isEmpty() || file.startsWith(home + u'/'))
+        return {};
+    return QDir::toNativeSeparators(file);
 }
 
 } // namespace sable::StartupSteps

@@ -10,7 +10,13 @@ namespace sable {
 // The start-up steps that need no window, in the order the console runs them.
 namespace StartupSteps {
 
-// True when the command line holds "/install" anywhere, also inside a longer word.
+// The console's options that take a value ("--home DIR", "--view N", ...): their values are paths
+// and numbers, never switches.
+inline const QStringList kOptionsWithValue
+    = {QStringLiteral("--home"), QStringLiteral("--view"), QStringLiteral("--screenshot"), QStringLiteral("--command")};
+
+// True when one of the program's own arguments holds "/install", also inside a longer word; the
+// value of an option ("--home /opt/install/sable", "--home=/opt/install") never counts.
 bool hasInstallSwitch(const QStringList& arguments);
 
 // Launches every server program in the install order with "/service" so that it registers itself.
@@ -44,6 +50,10 @@ struct PassiveAddress
 };
 // Fills "Custom PASV IP" of the file-box server with the local address when it is missing or empty.
 PassiveAddress fillPassiveAddress(const StartupConfig& config);
+
+// The embedded database file the server uses when it lies outside the server's folder (a copied
+// folder still pointing at the original's database), else an empty text.
+QString databaseOutsideHome(const StartupConfig& config);
 
 } // namespace StartupSteps
 } // namespace sable

@@ -24,6 +24,7 @@ CSableboxFolderFormView::CSableboxFolderFormView(CSableManagerDoc& doc, HomeSour
     , m_folderLabel(new QLabel(this))
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setObjectName(QStringLiteral("Folders")); // its sizes are kept between runs
     auto* middle = new QWidget(splitter);
     QTableView* list = createPermissionList(m_model, FolderPermissionModel::ColLevel, middle);
     list->setColumnWidth(FolderPermissionModel::ColGrantee, 130);

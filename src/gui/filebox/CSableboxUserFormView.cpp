@@ -39,6 +39,7 @@ CSableboxUserFormView::CSableboxUserFormView(CSableManagerDoc& doc, HomeSource h
     , m_granteeLabel(new QLabel(this))
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setObjectName(QStringLiteral("Grantees")); // its sizes are kept between runs
     auto* middle = new QWidget(splitter);
     QTableView* list = createPermissionList(m_model, GranteePermissionModel::ColLevel, middle);
     list->setColumnWidth(GranteePermissionModel::ColFolder, 120);

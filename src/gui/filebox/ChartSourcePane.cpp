@@ -64,6 +64,7 @@ ChartSourcePane::ChartSourcePane(CSableManagerDoc& doc, QWidget* parent)
     m_tree->setHeaderHidden(true);
     makeDragSource(m_tree);
     m_list->setObjectName(QStringLiteral("memberList"));
+    m_list->setTabKeyNavigation(false); // Tab moves on to the next control
     m_list->setModel(m_memberModel);
     m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
     makeDragSource(m_list);
@@ -76,6 +77,7 @@ ChartSourcePane::ChartSourcePane(CSableManagerDoc& doc, QWidget* parent)
     m_search->addAction(Icons::search(), QLineEdit::LeadingPosition);
 
     auto* splitter = new QSplitter(Qt::Vertical, this);
+    splitter->setObjectName(QStringLiteral("ChartSource")); // its sizes are kept between runs
     splitter->addWidget(titled(Msg::kTreeTitle, m_tree, nullptr, splitter));
     splitter->addWidget(titled(Msg::kMemberListTitle, m_list, m_search, splitter));
     auto* layout = new QVBoxLayout(this);

@@ -4,6 +4,7 @@
 #include "filebox/FileBoxLists.h"
 #include "filebox/LevelDelegate.h"
 #include "orgchart/COrganizeTemplateView.h"
+#include "widgets/ItemViewKeys.h"
 
 #include <QDesktopServices>
 #include <QHeaderView>
@@ -58,6 +59,9 @@ QTableView* FileBoxPermissionView::createPermissionList(QAbstractItemModel* mode
     m_list->verticalHeader()->hide();
     m_list->verticalHeader()->setDefaultSectionSize(kRowHeight);
     m_list->horizontalHeader()->setStretchLastSection(true);
+    m_list->setTabKeyNavigation(false);
+    ItemViewKeys::addDeleteKey(m_list, [this] { deleteSelectedPermissions(); });
+    ItemViewKeys::addContextMenuKey(m_list);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
         &FileBoxPermissionView::selectionChanged);
     connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {

@@ -13,28 +13,29 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSpinBox>
+#include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
 namespace sable {
 namespace {
 
-constexpr int kLowestPort = 1;
-constexpr int kHighestPort = 65535;
-
-QSpinBox* portField(const char* name, QWidget* parent)
+// A port as typed: digits only, so that what is stored shows as it is, in range or not, and the
+// check on OK says what is wrong instead of the field quietly changing it.
+QLineEdit* portField(const char* name, QWidget* parent)
 {
-    auto* field = new QSpinBox(parent);
+    auto* field = new QLineEdit(parent);
     field->setObjectName(QLatin1String(name));
-    field->setRange(kLowestPort, kHighestPort);
-    field->setButtonSymbols(QAbstractSpinBox::NoButtons);
-    field->setMinimumWidth(70);
+    field->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]{0,10}")), field));
+    field->setMaximumWidth(90);
     return field;
 }
 
-int clampedPort(quint32 port)
+// The typed port; 0 (no port) for an empty field or one beyond a 32-bit number.
+quint32 portOf(const QLineEdit* field)
 {
-    return static_cast<int>(std::clamp<quint32>(port, kLowestPort, kHighestPort));
+    bool ok = false;
+    const quint32 port = field->text().toUInt(&ok);
+    return ok ? port : 0;
 }
 
 } // namespace
@@ -62,8 +63,8 @@ SableBoxSettingsDialog::SableBoxSettingsDialog(FileBoxServerSettings settings, Q
 
     const FileBoxServerValues values = m_settings.open();
     m_home->setText(values.homeDirectory);
-    m_firstPort->setValue(clampedPort(values.firstPort));
-    m_lastPort->setValue(clampedPort(values.lastPort));
+    m_firstPort->setText(QString::number(values.firstPort));
+    m_lastPort->setText(QString::number(values.lastPort));
     m_address->setText(values.passiveAddress);
 }
 
@@ -107,8 +108,7 @@ QWidget* SableBoxSettingsDialog::createPassiveGroup()
 
 FileBoxServerValues SableBoxSettingsDialog::values() const
 {
-    return {m_home->text(), static_cast<quint32>(m_firstPort->value()), static_cast<quint32>(m_lastPort->value()),
-        m_address->text()};
+    return {m_home->text(), portOf(m_firstPort), portOf(m_lastPort), m_address->text()};
 }
 
 void SableBoxSettingsDialog::chooseHomeFolder(const QString& path)
@@ -119,12 +119,18 @@ void SableBoxSettingsDialog::chooseHomeFolder(const QString& path)
 
 void SableBoxSettingsDialog::accept()
 {
-    // A port still being typed counts as what the field last held in range.
-    m_firstPort->interpretText();
-    m_lastPort->interpretText();
-    if (m_settings.confirm(values()) == FileBoxServerSettings::Confirm::BadPortRange) {
+    switch (m_settings.confirm(values())) {
+    case FileBoxServerSettings::Confirm::PortOutOfRange:
+        m_prompter.warn(this,
+            Msg::kFileBoxPortOutOfRange.arg(FileBoxServerSettings::kLowestPort)
+                .arg(FileBoxServerSettings::kHighestPort));
+        (FileBoxServerSettings::isPortInRange(portOf(m_firstPort)) ? m_lastPort : m_firstPort)->setFocus();
+        return;
+    case FileBoxServerSettings::Confirm::BadPortRange:
         m_prompter.warn(this, Msg::kFileBoxBadPorts);
         return;
+    case FileBoxServerSettings::Confirm::Saved:
+        break;
     }
     QDialog::accept();
 }

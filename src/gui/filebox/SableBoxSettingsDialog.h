@@ -7,13 +7,13 @@
 
 class QLineEdit;
 class QPushButton;
-class QSpinBox;
 
 namespace sable {
 
 // "SableBox 설정": the file-box server's home folder and its passive-mode address and port range.
-// Opening completes the registry with the defaults of missing values; OK writes the four values
-// unless the port range is empty or reversed, which is refused with the dialog left as typed.
+// Opening completes the registry with the defaults of missing values and shows the stored values as
+// they are; OK writes the four values unless a port is no port number or the range is empty or
+// reversed, which is refused with a message and the dialog left as typed.
 class SableBoxSettingsDialog final : public QDialog
 {
     Q_OBJECT
@@ -43,8 +43,8 @@ private:
     bool m_bBalloonHelp = true;
     QLineEdit* m_home = nullptr;
     QPushButton* m_browse = nullptr;
-    QSpinBox* m_firstPort = nullptr;
-    QSpinBox* m_lastPort = nullptr;
+    QLineEdit* m_firstPort = nullptr;
+    QLineEdit* m_lastPort = nullptr;
     QLineEdit* m_address = nullptr;
 };
 

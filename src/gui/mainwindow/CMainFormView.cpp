@@ -7,11 +7,11 @@
 #include "server/ServerServices.h"
 #include "widgets/Icons.h"
 
-#include <QDesktopServices>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLocale>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace sable {
@@ -85,6 +85,7 @@ CMainFormView::CMainFormView(CSableManagerDoc& doc, ServerServiceControl& servic
         servicesGrid->addWidget(state, row++, 1);
         m_serviceLabels.insert(name, state);
     }
+    servicesGrid->addWidget(createServiceProblem(servicesBox), row, 0, 1, 2);
     body->addWidget(servicesBox, 0, 0, 2, 1);
 
     auto* databaseBox = section(Msg::kStartDatabase, this);
@@ -107,19 +108,7 @@ CMainFormView::CMainFormView(CSableManagerDoc& doc, ServerServiceControl& servic
     }
     body->addWidget(chartBox, 1, 1);
 
-    auto* linksBox = section(Msg::kStartLinks, this);
-    auto* linksLayout = new QHBoxLayout(linksBox);
-    for (const auto& [text, url] :
-        {std::pair(Msg::kStartHelpLink, links.help), std::pair(Msg::kStartHomeLink, links.home)}) {
-        auto* link
-            = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>").arg(url.toString().toHtmlEscaped(), text), linksBox);
-        link->setTextFormat(Qt::RichText);
-        link->setOpenExternalLinks(false);
-        connect(link, &QLabel::linkActivated, this, [](const QString& href) { QDesktopServices::openUrl(QUrl(href)); });
-        linksLayout->addWidget(link);
-    }
-    linksLayout->addStretch(1);
-    body->addWidget(linksBox, 2, 0, 1, 2);
+    body->addWidget(createLinks(links), 2, 0, 1, 2);
     body->setRowStretch(3, 1);
     body->setColumnStretch(0, 1);
     body->setColumnStretch(1, 1);
@@ -134,6 +123,60 @@ CMainFormView::CMainFormView(CSableManagerDoc& doc, ServerServiceControl& servic
     connect(&doc.history(), &EditHistory::changed, &m_figuresLater, qOverload<>(&QTimer::start));
     showServices();
     showFigures();
+}
+
+QWidget* CMainFormView::createServiceProblem(QWidget* parent)
+{
+    // Why the states read "확인할 수 없음", and the way to change that.
+    m_serviceProblem = new QWidget(parent);
+    m_serviceProblem->setObjectName(QStringLiteral("serviceProblem"));
+    m_serviceProblemText = new QLabel(m_serviceProblem);
+    m_serviceProblemText->setWordWrap(true);
+    m_serviceProblemText->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* button = new QPushButton(Msg::kStartServiceManagerLink, m_serviceProblem);
+    connect(button, &QPushButton::clicked, this, &CMainFormView::serviceManagerRequested);
+    auto* layout = new QVBoxLayout(m_serviceProblem);
+    layout->setContentsMargins(0, 8, 0, 0);
+    layout->addWidget(m_serviceProblemText);
+    layout->addWidget(button, 0, Qt::AlignLeft);
+    m_serviceProblem->hide();
+    return m_serviceProblem;
+}
+
+QWidget* CMainFormView::createLinks(const ProductLinks& links)
+{
+    auto* linksBox = section(Msg::kStartLinks, this);
+    auto* linksLayout = new QHBoxLayout(linksBox);
+    const auto addLink = [this, linksBox, linksLayout](const QString& text, const QString& href) {
+        auto* link = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>").arg(href.toHtmlEscaped(), text), linksBox);
+        link->setTextFormat(Qt::RichText);
+        link->setOpenExternalLinks(false);
+        // Reachable with Tab and opened with Enter, as well as with the pointer.
+        link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+        connect(link, &QLabel::linkActivated, this, [this](const QString& target) {
+            if (target.isEmpty() || target == QLatin1String("#guide"))
+                Q_EMIT guideRequested();
+            else
+                Q_EMIT linkRequested(QUrl(target));
+        });
+        linksLayout->addWidget(link);
+    };
+    addLink(Msg::kStartGuideLink, QStringLiteral("#guide"));
+    addLink(Msg::kStartHelpLink, links.help.toString());
+    addLink(Msg::kStartHomeLink, links.home.toString());
+    linksLayout->addStretch(1);
+    return linksBox;
+}
+
+void CMainFormView::setServiceProblemSummary(std::function<QString()> summary)
+{
+    m_serviceProblemSummary = std::move(summary);
+    showServices();
+}
+
+QString CMainFormView::serviceProblemText() const
+{
+    return m_serviceProblem->isVisibleTo(this) ? m_serviceProblemText->text() : QString();
 }
 
 QString CMainFormView::serviceText(const QString& name) const
@@ -171,6 +214,10 @@ void CMainFormView::showServices()
         it.value()->setText(
             QStringLiteral("<span style=\"color:%1\">●</span> %2").arg(stateColour(reply).name(), text));
     }
+    const QString reason = m_services.unavailableReason();
+    if (!reason.isEmpty() && m_serviceProblemSummary)
+        m_serviceProblemText->setText(m_serviceProblemSummary() + QStringLiteral("\n(") + reason + u')');
+    m_serviceProblem->setVisible(!reason.isEmpty() && m_serviceProblemSummary);
 }
 
 void CMainFormView::showFigures()

@@ -14,6 +14,8 @@
 #include "mainwindow/CMainFormView.h"
 #include "mainwindow/CProgressThread.h"
 #include "mainwindow/SaveRunner.h"
+#include "mainwindow/ServiceManagerDialog.h"
+#include "mainwindow/UserGuide.h"
 #include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
@@ -23,6 +25,7 @@
 #include "server/DatabaseSettingsChange.h"
 #include "server/ServerDatabase.h"
 #include "server/ServerServiceControl.h"
+#include "server/ServiceManagerSettings.h"
 #include "server/StartupSteps.h"
 #include "server/UpgradeDownload.h"
 #include "userimport/ImportWizard.h"
@@ -35,6 +38,7 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -58,12 +62,13 @@ CMainFrame::CMainFrame(
     , m_config(std::move(config))
     , m_settings(std::move(settings))
     , m_links(ProductLinks::read(m_config.registry()))
+    , m_layout(m_config.registry())
     , m_services(std::make_unique<ServerServiceControl>(std::move(services), m_config.paths()))
     , m_commands(this, [this](int command) { runCommand(command); })
 {
+    setObjectName(QStringLiteral("Frame"));
     setWindowTitle(Msg::kAppTitle);
     setWindowIcon(Icons::app());
-    resize(770, 630);
     declareCommands();
     m_commands.fillMenuBar(menuBar());
     m_toolBar = addToolBar(Msg::kAppTitle);
@@ -85,8 +90,20 @@ CMainFrame::CMainFrame(
     connect(&m_doc.history(), &EditHistory::changed, this, &CMainFrame::updateCommandStates);
     m_saveRunner = new SaveRunner(m_doc, IniFile(m_config.paths().settingsFilePath), this);
     connect(m_saveRunner, &SaveRunner::finished, this, &CMainFrame::onSaveFinished);
+    connect(m_services.get(), &ServerServiceControl::startAllFinished, this, [this](const QStringList& failures) {
+        if (std::exchange(m_bReportStartAll, false) && !failures.isEmpty())
+            m_prompter.showError(this, Msg::kServicesStartFailed, failures.join(u'\n'));
+    });
+    connect(m_services.get(), &ServerServiceControl::stopServerFinished, this, [this](const QStringList& notStopped) {
+        if (!notStopped.isEmpty())
+            m_prompter.warn(this, Msg::kServicesStopFailed.arg(notStopped.join(QStringLiteral(", "))));
+    });
 
-    switchToView(Cmd::kStartPage);
+    // As the administrator left it; a first start opens wide enough for the member list.
+    if (!m_layout.restoreWindow(*this))
+        WindowLayout::applyFirstStartSize(*this);
+    const int lastView = m_layout.lastView().value_or(Cmd::kStartPage);
+    switchToView(lastView >= Cmd::kStartPage && lastView <= Cmd::kUserPermissions ? lastView : Cmd::kStartPage);
     m_services->startRefreshing(5000);
 }
 
@@ -128,13 +145,16 @@ void CMainFrame::setPrompter(Prompter prompter)
 void CMainFrame::createNavigation()
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setObjectName(QStringLiteral("Navigation"));
     m_navigation = new NavigationBar(splitter);
     m_pane = new QStackedWidget(splitter);
     splitter->addWidget(m_navigation);
     splitter->addWidget(m_pane);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({110, 660});
+    splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
+    m_layout.restoreSplitter(*splitter, objectName());
 
     const int chart = m_navigation->addGroup(Msg::kNavChartGroup);
     m_navigation->addItem(chart, Icons::navigation("orgchart"), Msg::kNavChartEditor, Cmd::kChartEditor);
@@ -150,14 +170,8 @@ void CMainFrame::createNavigation()
 void CMainFrame::onNavigationItem(int item)
 {
     const int view = m_navigation->itemData(item);
-    if (view == m_currentView)
-        return;
-    if (view == Cmd::kFileBoxSettings) {
-        // A dialog of its own, after the click has been handled.
-        QTimer::singleShot(0, this, &CMainFrame::openFileBoxSettings);
-        return;
-    }
-    switchToView(view);
+    if (view != m_currentView)
+        switchToView(view);
 }
 
 // --- Views ------------------------------------------------------------------------------------------
@@ -168,7 +182,12 @@ QWidget* CMainFrame::createView(int view)
     case Cmd::kStartPage: {
         auto* page = new CMainFormView(m_doc, *m_services, ServerDatabase::describe(m_config), m_links, m_pane);
         page->setChartLoaded(m_bChartLoaded);
+        page->setServiceProblemSummary(
+            [this] { return ServiceManagerSettings::read(m_config.registry()).unavailableSummary(); });
         connect(this, &CMainFrame::chartLoaded, page, [page] { page->setChartLoaded(true); });
+        connect(page, &CMainFormView::serviceManagerRequested, this, &CMainFrame::editServiceManager);
+        connect(page, &CMainFormView::guideRequested, this, [this] { openHelp(UserGuide::kIndexPage); });
+        connect(page, &CMainFormView::linkRequested, this, &CMainFrame::openLink);
         return page;
     }
     case Cmd::kChartEditor: {
@@ -204,11 +223,18 @@ QWidget* CMainFrame::createView(int view)
 
 void CMainFrame::switchToView(int view)
 {
+    if (view == Cmd::kFileBoxSettings) {
+        // A dialog of its own, after the click that asked for it has been handled.
+        QTimer::singleShot(0, this, &CMainFrame::openFileBoxSettings);
+        return;
+    }
     QWidget* page = m_views.value(view);
     if (!page) {
         page = createView(view);
         if (!page)
             return;
+        page->setObjectName(QStringLiteral("View%1").arg(view));
+        m_layout.restoreParts(*page);
         m_views.insert(view, page);
         m_pane->addWidget(page);
     }
@@ -279,10 +305,21 @@ void CMainFrame::moveSelection(bool bUp)
         rankEditor()->moveSelectedRank(bUp);
 }
 
-void CMainFrame::openQuickGuide()
+void CMainFrame::openHelp(const QString& page)
 {
-    QDesktopServices::openUrl(
-        QUrl::fromLocalFile(m_config.paths().programFolder + QStringLiteral("/QuickGuide/Call.html")));
+    const QString folder = UserGuide::folder(m_config.paths().programFolder, QCoreApplication::applicationDirPath());
+    const QString path = QDir(folder).filePath(page);
+    if (!QFileInfo::exists(path)) {
+        m_prompter.warn(this, Msg::kHelpMissing.arg(QDir::toNativeSeparators(path)));
+        return;
+    }
+    openLink(QUrl::fromLocalFile(path));
+}
+
+void CMainFrame::openLink(const QUrl& url)
+{
+    if (!QDesktopServices::openUrl(url))
+        m_prompter.warn(this, Msg::kAddressOpenFailed.arg(url.toDisplayString()));
 }
 
 void CMainFrame::showAbout()
@@ -307,6 +344,41 @@ void CMainFrame::openFileBoxSettings()
     dialog->open();
 }
 
+void CMainFrame::startServer()
+{
+    if (explainUncontrollable())
+        return;
+    m_bReportStartAll = true;
+    m_services->requestStartAll();
+}
+
+void CMainFrame::stopServer()
+{
+    if (explainUncontrollable() || !m_prompter.confirmDestroy(this, Msg::kStopServerQuestion))
+        return;
+    m_services->requestStopServer();
+}
+
+bool CMainFrame::explainUncontrollable()
+{
+    const QString reason = m_services->unavailableReason();
+    if (reason.isEmpty())
+        return false;
+    const QString summary = ServiceManagerSettings::read(m_config.registry()).unavailableSummary();
+    if (m_prompter.askYesNoDetailed(this, summary + QStringLiteral("\n\n") + Msg::kOpenServiceManagerQuestion, reason))
+        editServiceManager();
+    return true;
+}
+
+void CMainFrame::editServiceManager()
+{
+    ServiceManagerDialog dialog(m_config.registry(), this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    m_services->setBackend(ServiceManagerSettings::read(m_config.registry()).createBackend());
+    updateCommandStates();
+}
+
 void CMainFrame::toggleBalloonHelp()
 {
     m_settings.bBalloonHelp = !m_settings.bBalloonHelp;
@@ -324,10 +396,12 @@ void CMainFrame::showRegistrationMail(const QList<int>& memberIds)
         switchToView(Cmd::kChartEditor);
     if (!m_mailDialog)
         m_mailDialog = new RegistrationMailDialog(m_config, m_settings, this);
+    QList<Recipient> recipients;
     for (const int id : memberIds) {
         if (const MemberRecord* member = m_doc.chart().findMember(id))
-            m_mailDialog->AddRecipient(member->MemberName, member->Email, member->MemberID, member->Passwd);
+            recipients.append({member->MemberName, member->Email, member->MemberID, member->Passwd});
     }
+    m_mailDialog->recipients()->addRecipients(recipients);
     m_mailDialog->show();
     m_mailDialog->raise();
     m_mailDialog->activateWindow();
@@ -376,13 +450,19 @@ void CMainFrame::changeDatabase()
 
 // --- Loading ------------------------------------------------------------------------------------------
 
+void CMainFrame::reportDatabaseError(const QString& summary, const QString& details)
+{
+    m_shownDatabaseError = details;
+    m_prompter.showError(this, summary, details);
+}
+
 void CMainFrame::postCreate()
 {
-    const auto report
-        = [this](const QString& caption, const QString& text) { QMessageBox::critical(this, caption, text); };
     StartupSteps::ensureEmbeddedDatabase(m_config);
-    if (StartupSteps::repairBuddyListColumn(m_config, report) == StartupSteps::ColumnRepair::DatabaseFailed)
-        m_prompter.warn(this, Msg::kDatabaseOpenFailed);
+    if (StartupSteps::repairBuddyListColumn(m_config, nullptr) == StartupSteps::ColumnRepair::DatabaseFailed)
+        reportDatabaseError(Msg::kDatabaseOpenFailed, DbConnection::lastError());
+    if (const QString outside = StartupSteps::databaseOutsideHome(m_config); !outside.isEmpty())
+        m_prompter.warn(this, Msg::kDatabaseOutsideHome.arg(outside, m_config.paths().programFolder));
     StartupSteps::fillPassiveAddress(m_config);
     m_startServicesTimer.start();
 }
@@ -391,14 +471,8 @@ void CMainFrame::startLoad()
 {
     if (m_reader)
         return;
-    // The reader opens its connection on its own thread; a failure to open is told on this one.
-    const auto connect = [this] {
-        return ServerDatabase::connect(m_config, [this](const QString& caption, const QString& text) {
-            QMetaObject::invokeMethod(
-                this, [this, caption, text] { QMessageBox::critical(this, caption, text); },
-                Qt::BlockingQueuedConnection);
-        });
-    };
+    // The reader opens its connection on its own thread; its failure is told once the load ends.
+    const auto connect = [this] { return ServerDatabase::connect(m_config, nullptr); };
     m_reader = new CReadDBThread(connect, this);
     m_progress = new CProgressThread(this);
     QObject::connect(m_reader, &CReadDBThread::progressText, m_progress, &CProgressThread::setText);
@@ -433,10 +507,13 @@ void CMainFrame::onReaderEnded(int bContinue)
     if (!m_bChartLoaded) {
         // What was read before the load failed stays in the views.
         m_doc.adopt(std::move(result.contents));
+        // The same failure as the start-up's own (the database could not be opened) is told once.
         const QString message = ChartReader::message(result.outcome);
-        if (!message.isEmpty())
-            m_prompter.warn(this, message);
+        const bool bToldAlready = !result.errorText.isEmpty() && result.errorText == m_shownDatabaseError;
+        if (!message.isEmpty() && !bToldAlready)
+            reportDatabaseError(message, result.errorText);
     }
+    m_shownDatabaseError.clear();
     if (bContinue == 0)
         close();
 }
@@ -452,6 +529,11 @@ ChartSave::Collaborators CMainFrame::saveCollaborators()
         return m_prompter.askYesNoDetailed(this, question, summary);
     };
     with.showBalloon = [this](const Balloon& balloon) {
+        // A failed write is told with the database's own words beside it.
+        if (balloon.text == Msg::kSaveDatabaseError) {
+            reportDatabaseError(Msg::kDatabaseWriteFailed, DbConnection::lastError());
+            return;
+        }
         if (chartEditor()) {
             switchToView(Cmd::kChartEditor);
             chartEditor()->form()->showBalloon(balloon);
@@ -556,7 +638,17 @@ void CMainFrame::closeEvent(QCloseEvent* event)
     }
     if (m_mailDialog)
         m_mailDialog->close();
+    saveLayout();
     event->accept();
+}
+
+void CMainFrame::saveLayout()
+{
+    m_layout.saveWindow(*this);
+    m_layout.saveSplitter(*static_cast<QSplitter*>(centralWidget()), objectName());
+    m_layout.saveLastView(m_currentView);
+    for (const QWidget* page : std::as_const(m_views))
+        m_layout.saveParts(*page);
 }
 
 } // namespace sable

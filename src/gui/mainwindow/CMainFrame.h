@@ -5,6 +5,7 @@
 #include "document/SaveConflictDialog.h"
 #include "mainwindow/CommandIds.h"
 #include "mainwindow/CommandTable.h"
+#include "mainwindow/WindowLayout.h"
 #include "server/ProductLinks.h"
 #include "server/StartupConfig.h"
 #include "widgets/Prompter.h"
@@ -116,13 +117,24 @@ private:
     void importUsers();
     void exportUsers();
     void moveSelection(bool bUp);
-    void openQuickGuide();
     void showAbout();
     void openFileBoxSettings();
+    void startServer();
+    void stopServer();
+    // When no service can be reached: says why, offers the service manager settings and returns true.
+    bool explainUncontrollable();
+    void editServiceManager();
+    // Opens a page of the user guide; says so when the guide or the page is missing.
+    void openHelp(const QString& page);
+    void openLink(const QUrl& url);
+    // One box per failure: a failure already shown with the same text is not shown again.
+    void reportDatabaseError(const QString& summary, const QString& details);
+    void saveLayout();
 
     StartupConfig m_config;
     StartupSettings m_settings;
     ProductLinks m_links;
+    WindowLayout m_layout;
     Prompter m_prompter = Prompter::messageBoxes();
     std::function<SaveConflictDialog::Choice(ChartMerge&)> m_conflictResolver;
     CSableManagerDoc m_doc;
@@ -144,6 +156,8 @@ private:
     QPointer<RegistrationMailDialog> m_mailDialog;
     UpgradeDownload* m_upgrade = nullptr;
     DatabaseSettingsChange* m_databaseChange = nullptr;
+    bool m_bReportStartAll = false; // an explicit 서버 시작 says what did not start
+    QString m_shownDatabaseError;
 };
 
 } // namespace sable

@@ -25,6 +25,7 @@ constexpr int kDeleteRank = 32791;
 constexpr int kDeletePermission = 32792;
 // Opens the file box's home folder in the system's file manager (the file-box views' "폴더 편집").
 constexpr int kEditFolders = 32793;
+constexpr int kFindUser = 32851; // the chart editor's search box (Ctrl+F)
 // 보기
 constexpr int kToolBar = 59392;
 constexpr int kStatusBar = 59393;
@@ -34,6 +35,7 @@ constexpr int kStartServer = 32801;
 constexpr int kStopServer = 32802;
 constexpr int kDatabaseSettings = 32823;
 constexpr int kFileServers = 32825;
+constexpr int kServiceManager = 32850; // which service manager runs the services, and a test of it
 // 서버설정
 constexpr int kLogo = 32821;
 constexpr int kHomePage = 32820;

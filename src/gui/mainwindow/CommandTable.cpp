@@ -22,6 +22,8 @@ void CommandTable::add(Command command)
     action->setToolTip(command.toolTip);
     action->setStatusTip(command.statusTip);
     action->setCheckable(static_cast<bool>(command.isChecked));
+    if (!command.toolText.isEmpty())
+        action->setIconText(command.toolText);
     const int id = command.id;
     QObject::connect(action, &QAction::triggered, m_owner, [this, id] { m_trigger(id); });
     m_actions.insert(id, action);
@@ -98,10 +100,14 @@ void CommandTable::updateStates(int currentView) const
     for (const Command& command : m_commands) {
         QAction* entry = action(command.id);
         entry->setEnabled(isEnabled(command, currentView));
+        if (command.menu != MenuId::None && !command.views.isEmpty())
+            entry->setVisible(command.views.contains(currentView));
         if (command.isChecked)
             entry->setChecked(command.isChecked());
         if (command.liveText)
             entry->setText(command.liveText());
+        if (command.liveToolTip)
+            entry->setToolTip(command.liveToolTip());
     }
 }
 

@@ -39,7 +39,8 @@ struct Command
     QIcon icon {};
     QString toolTip {};
     QString statusTip {}; // shown in the status bar while the entry is under the pointer
-    // The views in which the command applies; in any other view it is disabled. Empty: every view.
+    // The views in which the command applies; in any other view it is disabled, and a menu entry is
+    // hidden as well, so that every menu keeps one entry per mnemonic in every view. Empty: every view.
     QList<int> views {};
     std::function<void()> run {};
     std::function<bool()> isEnabled {}; // a rule besides the views; empty: always
@@ -47,6 +48,10 @@ struct Command
     std::function<QString()> liveText {}; // set when the entry's text follows the state
     bool bSeparatorBefore = false; // in its menu
     int toolBarGroup = 0; // 0: not on the tool bar; groups are parted by separators
+    // The tool button's text when it must not follow the entry's (a button that changed its width
+    // would move the ones beside it under the pointer); empty: the entry's text.
+    QString toolText {};
+    std::function<QString()> liveToolTip {}; // set when the tool tip follows the state
 };
 
 // The commands of a window and the actions made from them: the menu bar, the tool bar, the

@@ -6,6 +6,7 @@
 #include "filebox/FileBoxPermissionView.h"
 #include "mainwindow/CMainFrame.h"
 #include "mainwindow/SaveRunner.h"
+#include "mainwindow/UserGuide.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/CPositionFormView.h"
@@ -13,7 +14,6 @@
 #include "server/ServerServiceControl.h"
 #include "widgets/Icons.h"
 
-#include <QDesktopServices>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -24,6 +24,12 @@ const QList<int> kChartEditorOnly {Cmd::kChartEditor};
 const QList<int> kRankEditorOnly {Cmd::kRankEditor};
 const QList<int> kPermissionPages {Cmd::kFolderPermissions, Cmd::kUserPermissions};
 const QList<int> kOrderedLists {Cmd::kChartEditor, Cmd::kRankEditor};
+
+// A step's name inside a menu entry: its "&" shown as it is, never taken for a mnemonic.
+QString menuSafe(QString text)
+{
+    return text.replace(u'&', QStringLiteral("&&"));
+}
 
 } // namespace
 
@@ -36,6 +42,7 @@ void CMainFrame::declareCommands()
     declareHelpCommands();
     m_commands.add({.id = Cmd::kMoveUp,
         .text = Msg::kToolUp,
+        .shortcuts = {QKeySequence(Qt::CTRL | Qt::Key_Up)},
         .icon = Icons::up(),
         .toolTip = Msg::kMoveUpTip,
         .statusTip = Msg::kMoveUpPrompt,
@@ -44,6 +51,7 @@ void CMainFrame::declareCommands()
         .toolBarGroup = 3});
     m_commands.add({.id = Cmd::kMoveDown,
         .text = Msg::kToolDown,
+        .shortcuts = {QKeySequence(Qt::CTRL | Qt::Key_Down)},
         .icon = Icons::down(),
         .toolTip = Msg::kMoveDownTip,
         .statusTip = Msg::kMoveDownPrompt,
@@ -104,30 +112,44 @@ void CMainFrame::declareEditCommands()
 {
     const MenuId edit = MenuId::Edit;
     EditHistory& history = m_doc.history();
+    // The entries keep their mnemonics whatever step they name; the tool buttons keep their width
+    // and name the step in their tool tips.
     m_commands.add({.id = Cmd::kUndo,
         .menu = edit,
-        .text = Msg::kCmdUndo,
+        .text = Msg::kCmdUndoKeyed,
         .shortcuts = QKeySequence::keyBindings(QKeySequence::Undo),
         .icon = Icons::undo(),
         .toolTip = Msg::kTipUndo,
         .statusTip = Msg::kPromptUndo,
         .run = [&history] { history.undo(); },
         .isEnabled = [&history] { return history.canUndo(); },
-        .liveText
-        = [&history] { return history.canUndo() ? Msg::kCmdUndoStep.arg(history.undoText()) : Msg::kCmdUndo; },
-        .toolBarGroup = 2});
+        .liveText =
+            [&history] {
+                return history.canUndo() ? Msg::kCmdUndoKeyedStep.arg(menuSafe(history.undoText()))
+                                         : Msg::kCmdUndoKeyed;
+            },
+        .toolBarGroup = 2,
+        .toolText = Msg::kToolUndo,
+        .liveToolTip
+        = [&history] { return history.canUndo() ? Msg::kTipUndoStep.arg(history.undoText()) : Msg::kTipUndo; }});
     m_commands.add({.id = Cmd::kRedo,
         .menu = edit,
-        .text = Msg::kCmdRedo,
+        .text = Msg::kCmdRedoKeyed,
         .shortcuts = {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(QKeySequence::Redo)},
         .icon = Icons::redo(),
         .toolTip = Msg::kTipRedo,
         .statusTip = Msg::kPromptRedo,
         .run = [&history] { history.redo(); },
         .isEnabled = [&history] { return history.canRedo(); },
-        .liveText
-        = [&history] { return history.canRedo() ? Msg::kCmdRedoStep.arg(history.redoText()) : Msg::kCmdRedo; },
-        .toolBarGroup = 2});
+        .liveText =
+            [&history] {
+                return history.canRedo() ? Msg::kCmdRedoKeyedStep.arg(menuSafe(history.redoText()))
+                                         : Msg::kCmdRedoKeyed;
+            },
+        .toolBarGroup = 2,
+        .toolText = Msg::kToolRedo,
+        .liveToolTip
+        = [&history] { return history.canRedo() ? Msg::kTipRedoStep.arg(history.redoText()) : Msg::kTipRedo; }});
 
     const auto form = [this] { return chartEditor()->form(); };
     m_commands.add({.id = Cmd::kAddDepartment,
@@ -166,6 +188,14 @@ void CMainFrame::declareEditCommands()
         .statusTip = Msg::kPromptDeleteUser,
         .views = kChartEditorOnly,
         .run = [form] { form()->deleteUsers(); }});
+    m_commands.add({.id = Cmd::kFindUser,
+        .menu = edit,
+        .text = Msg::kCmdFindUser,
+        .shortcuts = {QKeySequence(QKeySequence::Find)},
+        .toolTip = Msg::kTipFindUser,
+        .statusTip = Msg::kPromptFindUser,
+        .views = kChartEditorOnly,
+        .run = [form] { form()->focusSearch(); }});
 
     m_commands.add({.id = Cmd::kAddRank,
         .menu = edit,
@@ -242,14 +272,14 @@ void CMainFrame::declareServerCommands()
         .text = Msg::kCmdStartServer,
         .toolTip = Msg::kTipStartServer,
         .statusTip = Msg::kPromptStartServer,
-        .run = [this] { m_services->requestStartAll(); },
+        .run = [this] { startServer(); },
         .isEnabled = [this] { return m_services->isStartEnabled(); }});
     m_commands.add({.id = Cmd::kStopServer,
         .menu = server,
         .text = Msg::kCmdStopServer,
         .toolTip = Msg::kTipStopServer,
         .statusTip = Msg::kPromptStopServer,
-        .run = [this] { m_services->requestStopServer(); },
+        .run = [this] { stopServer(); },
         .isEnabled = [this] { return m_services->isStopEnabled(); }});
     m_commands.add({.id = Cmd::kDatabaseSettings,
         .menu = server,
@@ -265,6 +295,12 @@ void CMainFrame::declareServerCommands()
         .toolTip = Msg::kTipFileServers,
         .statusTip = Msg::kPromptFileServers,
         .run = [this] { ClientSettingsCommands::runFileServers(m_config, this); }});
+    m_commands.add({.id = Cmd::kServiceManager,
+        .menu = server,
+        .text = Msg::kCmdServiceManager,
+        .toolTip = Msg::kTipServiceManager,
+        .statusTip = Msg::kPromptServiceManager,
+        .run = [this] { editServiceManager(); }});
 
     const MenuId settings = MenuId::ServerSettings;
     m_commands.add({.id = Cmd::kLogo,
@@ -290,19 +326,19 @@ void CMainFrame::declareHelpCommands()
         .shortcuts = {QKeySequence(Qt::Key_F1)},
         .toolTip = Msg::kTipHelp,
         .statusTip = Msg::kPromptHelp,
-        .run = [this] { QDesktopServices::openUrl(m_links.help); }});
+        .run = [this] { openHelp(UserGuide::pageOfView(m_currentView)); }});
     m_commands.add({.id = Cmd::kProductHome,
         .menu = help,
         .text = Msg::kCmdProductHome,
         .toolTip = Msg::kTipProductHome,
         .statusTip = Msg::kPromptProductHome,
-        .run = [this] { QDesktopServices::openUrl(m_links.home); }});
+        .run = [this] { openLink(m_links.home); }});
     m_commands.add({.id = Cmd::kQuickGuide,
         .menu = help,
         .text = Msg::kCmdQuickGuide,
         .toolTip = Msg::kTipQuickGuide,
         .statusTip = Msg::kPromptQuickGuide,
-        .run = [this] { openQuickGuide(); }});
+        .run = [this] { openHelp(UserGuide::kIndexPage); }});
     m_commands.add({.id = Cmd::kAbout,
         .menu = help,
         .text = Msg::kCmdAbout,

@@ -57,9 +57,14 @@ void RegistrationMailDialog::buildLayout()
     m_memo = new QPlainTextEdit(Msg::kMailDefaultMemo);
     m_memo->setObjectName(QStringLiteral("memo"));
     m_memo->setFixedHeight(90);
+    // The address the template's __SERVER_NAME__ becomes: the machine's, as the clients reach it,
+    // unless the administrator knows better (a name, or the address behind a router).
+    m_serverAddress = new QLineEdit(LocalAddress::GetLocalAddress());
+    m_serverAddress->setObjectName(QStringLiteral("serverAddress"));
 
     m_grid = new QTableView;
     m_grid->setObjectName(QStringLiteral("recipients"));
+    m_grid->setTabKeyNavigation(false); // Tab moves on to the next control
     m_grid->setModel(m_recipients);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -97,10 +102,12 @@ void RegistrationMailDialog::buildLayout()
     layout->addWidget(m_subject);
     layout->addWidget(promptFor(Msg::kMailMemoPrompt, m_memo));
     layout->addWidget(m_memo);
+    layout->addWidget(promptFor(Msg::kMailServerAddressPrompt, m_serverAddress));
+    layout->addWidget(m_serverAddress);
     layout->addWidget(m_grid, 1);
     layout->addWidget(hint);
     layout->addLayout(buttons);
-    resize(420, 520);
+    resize(420, 560);
 }
 
 bool RegistrationMailDialog::AddRecipient(
@@ -128,9 +135,14 @@ void RegistrationMailDialog::sendMail()
         showNotice(QMessageBox::Warning, Msg::kMailServerNotSet);
         return;
     }
+    const QString serverAddress = m_serverAddress->text().trimmed();
+    if (serverAddress.isEmpty()) {
+        showNotice(QMessageBox::Warning, Msg::kMailServerAddressEmpty);
+        m_serverAddress->setFocus();
+        return;
+    }
     RegistrationMail mail {m_senderName->text(), m_subject->text(), *templateText,
-        {LocalAddress::GetLocalAddress(), {}, {}, memoText(), m_settings.versionTag,
-            TemplateValues::officeFlag(m_settings.serverType)}};
+        {serverAddress, {}, {}, memoText(), m_settings.versionTag, TemplateValues::officeFlag(m_settings.serverType)}};
     QList<RegistrationMailRow> rows;
     for (int row = 0; row < m_recipients->rowCount(); ++row)
         rows.append({row, m_recipients->recipient(row)});

@@ -63,6 +63,7 @@ private:
     QLineEdit* m_senderName = nullptr;
     QLineEdit* m_subject = nullptr;
     QPlainTextEdit* m_memo = nullptr;
+    QLineEdit* m_serverAddress = nullptr;
     QTableView* m_grid = nullptr;
     QPushButton* m_mailServerButton = nullptr;
     QPushButton* m_sendButton = nullptr;

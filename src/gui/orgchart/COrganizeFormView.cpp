@@ -3,6 +3,7 @@
 #include "Messages.h"
 #include "document/CSableManagerDoc.h"
 #include "document/RankEdits.h"
+#include "onboarding/RecipientSelection.h"
 #include "orgchart/MemberFilterModel.h"
 #include "orgchart/MemberItemDelegate.h"
 #include "orgchart/MemberListModel.h"
@@ -10,6 +11,7 @@
 #include "widgets/BalloonTip.h"
 #include "widgets/Heading.h"
 #include "widgets/Icons.h"
+#include "widgets/ItemViewKeys.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -50,6 +52,7 @@ COrganizeFormView::COrganizeFormView(CSableManagerDoc& doc, QWidget* parent)
     , m_searchDelay(new QTimer(this))
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setObjectName(QStringLiteral("Chart")); // its sizes are kept between runs
     auto* left = new QWidget(splitter);
     auto* leftLayout = new QVBoxLayout(left);
     leftLayout->setContentsMargins(0, 0, 0, 0);
@@ -83,6 +86,7 @@ COrganizeFormView::COrganizeFormView(CSableManagerDoc& doc, QWidget* parent)
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
 
     m_filter->setSourceModel(m_memberModel);
+    m_list->setObjectName(QStringLiteral("MemberList")); // its columns are kept between runs
     m_list->setModel(m_filter);
     m_list->setItemDelegate(new MemberItemDelegate(m_list));
     m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -98,6 +102,20 @@ COrganizeFormView::COrganizeFormView(CSableManagerDoc& doc, QWidget* parent)
     for (int column = 0; column < MemberColumnCount; ++column)
         m_list->setColumnWidth(column, kColumnWidths[column]);
     m_list->setColumnHidden(ColSolar, true);
+
+    // The keyboard's way through the page: the tree, the search box and its switch, the list; Tab
+    // leaves the list instead of walking its cells, and Delete and Shift+F10 work as on the menus.
+    m_list->setTabKeyNavigation(false);
+    setTabOrder(m_tree, m_search);
+    setTabOrder(m_search, m_noDepartment);
+    setTabOrder(m_noDepartment, m_list);
+    ItemViewKeys::addDeleteKey(m_tree, [this] {
+        if (selectedNode() && selectedNode() != m_doc.chart().rootGroup())
+            deleteSelectedNode();
+    });
+    ItemViewKeys::addDeleteKey(m_list, [this] { deleteUsers(); });
+    ItemViewKeys::addContextMenuKey(m_tree);
+    ItemViewKeys::addContextMenuKey(m_list);
 
     m_search->setPlaceholderText(Msg::kSearchPlaceholder);
     m_search->setClearButtonEnabled(true);
@@ -172,7 +190,8 @@ QModelIndex COrganizeFormView::memberIndex(int row, int column) const
 
 bool COrganizeFormView::ask(const QString& question)
 {
-    return m_prompter.askYesNo(this, question);
+    // The editor's questions all precede a deletion.
+    return m_prompter.confirmDestroy(this, question);
 }
 
 // --- Commands -------------------------------------------------------------------------------------
@@ -206,6 +225,12 @@ void COrganizeFormView::addUser()
 void COrganizeFormView::deleteUsers()
 {
     applyOutcome(m_edits.deleteUsers(selectedMemberRows(), [this](const QString& question) { return ask(question); }));
+}
+
+void COrganizeFormView::focusSearch()
+{
+    m_search->setFocus(Qt::ShortcutFocusReason);
+    m_search->selectAll();
 }
 
 void COrganizeFormView::moveSelectedNode(ChartEdits::Move how)
@@ -290,20 +315,7 @@ void COrganizeFormView::requestRegistrationMail(bool fromTree)
 {
     QList<int> ids;
     if (fromTree) {
-        OrgNode* node = selectedNode();
-        if (node && node->isMember())
-            ids << node->memberId();
-        else if (node) {
-            std::vector<OrgNode*> pending {node};
-            while (!pending.empty()) {
-                OrgNode* current = pending.back();
-                pending.pop_back();
-                for (int i = current->childCount() - 1; i >= 0; --i) {
-                    OrgNode* child = current->child(i);
-                    child->isMember() ? void(ids << child->memberId()) : pending.push_back(child);
-                }
-            }
-        }
+        ids = RecipientSelection::membersBelow(selectedNode());
     } else {
         for (const int row : selectedMemberRows())
             ids << m_doc.chart().member(row).K_MemberID;

@@ -50,6 +50,9 @@ public:
     void addUser();
     void deleteUsers();
     void moveSelectedNode(ChartEdits::Move how);
+    // "사용자 찾기(&F)" (Ctrl+F): the search box, its text selected for typing over.
+    void focusSearch();
+    QLineEdit* searchBox() const { return m_search; }
     // "등록메일(설치파일) 전송(&M)": the selected rows of the member list, or from the tree the
     // member of a member node or every member below a department.
     void requestRegistrationMail(bool fromTree);

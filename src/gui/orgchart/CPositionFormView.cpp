@@ -7,6 +7,7 @@
 #include "orgchart/RankModels.h"
 #include "widgets/BalloonTip.h"
 #include "widgets/Heading.h"
+#include "widgets/ItemViewKeys.h"
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -70,6 +71,7 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     , m_grid(new QTableView(this))
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setObjectName(QStringLiteral("Ranks")); // its sizes are kept between runs
     splitter->addWidget(titled(Msg::kRankTreeRoot, m_tree, splitter));
     splitter->addWidget(titled(Msg::kRankGridTitle, m_grid, splitter));
     splitter->setStretchFactor(0, 1);
@@ -88,6 +90,7 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     m_tree->expandAll();
+    m_grid->setObjectName(QStringLiteral("RankMembers")); // its columns are kept between runs
     m_grid->setModel(m_membershipModel);
     m_grid->setItemDelegateForColumn(MembershipRankModel::ColRank, new RankChoiceDelegate(m_membershipModel, m_grid));
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -100,6 +103,14 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     m_grid->setColumnWidth(MembershipRankModel::ColLoginId, 100);
     m_grid->setColumnWidth(MembershipRankModel::ColRank, 90);
     m_grid->horizontalHeader()->setSectionResizeMode(MembershipRankModel::ColDepartment, QHeaderView::Stretch);
+
+    m_grid->setTabKeyNavigation(false);
+    ItemViewKeys::addDeleteKey(m_tree, [this] {
+        if (selectedRank() >= 0)
+            deleteRank();
+    });
+    ItemViewKeys::addContextMenuKey(m_tree);
+    ItemViewKeys::addContextMenuKey(m_grid);
 
     connect(m_rankModel, &QAbstractItemModel::modelReset, m_tree, &QTreeView::expandAll);
     connect(m_rankModel, &RankTreeModel::messageRequested, this,
@@ -164,7 +175,7 @@ void CPositionFormView::renameRank()
 void CPositionFormView::deleteRank()
 {
     RankEdits(m_doc).deleteRank(
-        selectedRank(), [this](const QString& question) { return m_prompter.askYesNo(this, question); });
+        selectedRank(), [this](const QString& question) { return m_prompter.confirmDestroy(this, question); });
     showHints();
 }
 

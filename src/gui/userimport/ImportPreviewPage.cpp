@@ -181,6 +181,7 @@ ImportPreviewPage::ImportPreviewPage(ImportWizard& wizard)
     m_creates->setObjectName(QStringLiteral("creates"));
     m_creates->setWordWrap(true);
     m_view->setObjectName(QStringLiteral("rows"));
+    m_view->setTabKeyNavigation(false); // Tab moves on to the next control
     m_filter->setSourceModel(m_model);
     m_filter->setFilterKeyColumn(ImportPreviewModel::FateColumn);
     m_view->setModel(m_filter);

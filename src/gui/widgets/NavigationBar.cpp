@@ -27,7 +27,10 @@ NavigationBar::NavigationBar(QWidget* parent)
         "QToolButton[role=\"item\"] { border: 1px solid transparent; border-radius: 4px; padding: 6px 2px; margin: 2px "
         "6px; }"
         "QToolButton[role=\"item\"]:hover { background: #dfe9f3; border-color: #b8cbe0; }"
-        "QToolButton[role=\"item\"]:checked { background: #c9dbee; border-color: #7fa3c8; }"));
+        "QToolButton[role=\"item\"]:checked { background: #c9dbee; border-color: #7fa3c8; }"
+        // Where the keyboard is, plainly: the styled buttons draw no focus frame of their own.
+        "QToolButton[role=\"group\"]:focus { border: 2px solid #2a6fb0; }"
+        "QToolButton[role=\"item\"]:focus { border: 2px solid #2a6fb0; }"));
 }
 
 int NavigationBar::addGroup(const QString& title)

@@ -38,7 +38,31 @@ Prompter Prompter::messageBoxes()
     prompter.inform
         = [](QWidget* parent, const QString& text) { QMessageBox::information(parent, titleOf(parent), text); };
     prompter.warn = [](QWidget* parent, const QString& text) { QMessageBox::warning(parent, titleOf(parent), text); };
+    prompter.askToDestroy = [](QWidget* parent, const QString& question) {
+        QMessageBox box(QMessageBox::Question, titleOf(parent), question, QMessageBox::Yes | QMessageBox::No, parent);
+        box.setDefaultButton(QMessageBox::No);
+        box.setEscapeButton(QMessageBox::No);
+        return box.exec() == QMessageBox::Yes;
+    };
+    prompter.reportError = [](QWidget* parent, const QString& summary, const QString& details) {
+        QMessageBox box(QMessageBox::Critical, titleOf(parent), summary, QMessageBox::Ok, parent);
+        box.setDetailedText(details);
+        box.exec();
+    };
     return prompter;
+}
+
+bool Prompter::confirmDestroy(QWidget* parent, const QString& question) const
+{
+    return askToDestroy ? askToDestroy(parent, question) : askYesNo(parent, question);
+}
+
+void Prompter::showError(QWidget* parent, const QString& summary, const QString& details) const
+{
+    if (reportError)
+        reportError(parent, summary, details);
+    else
+        warn(parent, details.isEmpty() ? summary : summary + QStringLiteral("\n\n") + details);
 }
 
 } // namespace sable

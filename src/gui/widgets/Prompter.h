@@ -25,6 +25,15 @@ struct Prompter
     std::function<Answer(QWidget* parent, const QString& question)> askYesNoCancel;
     std::function<void(QWidget* parent, const QString& text)> inform;
     std::function<void(QWidget* parent, const QString& text)> warn;
+    // A question whose Yes destroys something (a deletion, stopping the server): No is the default,
+    // so that Enter alone never destroys. Unset, askYesNo asks it.
+    std::function<bool(QWidget* parent, const QString& question)> askToDestroy;
+    // A failure: what failed, in one Korean line, with the technical text kept under a details
+    // button. Unset, warn tells both.
+    std::function<void(QWidget* parent, const QString& summary, const QString& details)> reportError;
+
+    bool confirmDestroy(QWidget* parent, const QString& question) const;
+    void showError(QWidget* parent, const QString& summary, const QString& details) const;
 
     // Message boxes, titled with the window's title.
     static Prompter messageBoxes();
