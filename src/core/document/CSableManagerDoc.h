@@ -1,5 +1,6 @@
 #pragma once
 
+#include "directory/DirectoryLinks.h"
 #include "document/EditHistory.h"
 #include "filebox/FileBoxLists.h"
 #include "orgchart/ChartFingerprint.h"
@@ -13,12 +14,14 @@
 
 namespace sable {
 
-// Everything a load brings and a save writes: the chart, the ranks and the file-box lists.
+// Everything a load brings and a save writes: the chart, the ranks, the file-box lists and which
+// users the directory sync keeps.
 struct ChartContents
 {
     std::unique_ptr<OrgChart> chart = std::make_unique<OrgChart>();
     RankList ranks;
     FileBoxLists fileBox;
+    DirectoryLinks directoryLinks;
 };
 
 // The document the console and sablectl share: the chart, the rank list, the file-box lists, the
@@ -37,6 +40,9 @@ public:
     const RankList& ranks() const { return m_ranks; }
     FileBoxLists& fileBox() { return m_fileBox; }
     const FileBoxLists& fileBox() const { return m_fileBox; }
+    // The users the directory sync keeps, and the entries they come from.
+    DirectoryLinks& directoryLinks() { return m_directoryLinks; }
+    const DirectoryLinks& directoryLinks() const { return m_directoryLinks; }
 
     // Members and departments deleted since the last save, whose data the save's cascade removes.
     QList<int>& deletedMembers() { return m_deletedMembers; }
@@ -75,6 +81,7 @@ private:
     OrgChart m_chart;
     RankList m_ranks;
     FileBoxLists m_fileBox;
+    DirectoryLinks m_directoryLinks;
     QList<int> m_deletedMembers;
     QList<int> m_deletedGroups;
     bool m_bModified = false;

@@ -2,6 +2,7 @@
 
 #include "Messages.h"
 #include "db/DbConnection.h"
+#include "directory/DirectoryLinkStore.h"
 #include "filebox/FileBoxStore.h"
 #include "orgchart/ChartBuilder.h"
 #include "orgchart/RankStore.h"
@@ -181,6 +182,8 @@ ChartReader::Result ChartReader::read(
     if (stoppedBetweenPhases())
         return fail(Outcome::Stopped);
     if (!FileBoxStore::load(connection, result.contents.fileBox))
+        return fail(Outcome::ReadFailed);
+    if (!DirectoryLinkStore::load(connection, result.contents.directoryLinks))
         return fail(Outcome::ReadFailed);
     connection.close();
     if (stoppedBetweenPhases())

@@ -2,6 +2,7 @@
 
 #include "Messages.h"
 #include "SettingsKeys.h"
+#include "directory/DirectoryLinkStore.h"
 #include "document/CSableManagerDoc.h"
 #include "filebox/FileBoxStore.h"
 #include "orgchart/ChartStore.h"
@@ -34,7 +35,7 @@ bool writeAll(DbConnection& db, const CSableManagerDoc& doc, const IniFile& sett
 bool ChartSave::writeTables(DbConnection& db, const CSableManagerDoc& doc)
 {
     return ChartStore::write(db, doc.chart()) && RankStore::store(db, doc.ranks())
-        && FileBoxStore::store(db, doc.fileBox())
+        && FileBoxStore::store(db, doc.fileBox()) && DirectoryLinkStore::store(db, doc.directoryLinks(), doc.chart())
         && ChartStore::runDeletionCascade(db, doc.deletedMembers(), doc.deletedGroups());
 }
 

@@ -56,7 +56,7 @@ public:
     static std::optional<Balloon> checkNamesAndPasswords(const CSableManagerDoc& doc);
 
     // The table writes of a save, inside the caller's transaction: the chart, the ranks, the file-box
-    // lists and the deletion cascade.
+    // lists, the users the directory sync keeps and the deletion cascade.
     static bool writeTables(DbConnection& db, const CSableManagerDoc& doc);
 
     // The chart version after `current`: one more, and 1 after 9999.
