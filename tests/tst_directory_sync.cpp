@@ -7,6 +7,7 @@
 #include "SlapdFixture.h"
 #include "SmtpFixture.h"
 #include "TestSupport.h"
+#include "db/ConnectionString.h"
 #include "db/DbConnection.h"
 #include "directory/DirectoryReader.h"
 #include "directory/DirectorySyncPreview.h"
@@ -18,6 +19,9 @@
 #include "document/DirectorySyncEdits.h"
 #include "document/EditRecorder.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -162,6 +166,24 @@ private Q_SLOTS:
     void leaversAndTheThreshold();
     void linksSavedWithTheChart_data();
     void linksSavedWithTheChart();
+    void passwordNeverOnTheCommandLine_data();
+    void passwordNeverOnTheCommandLine();
+    void syncFromTheCommandLine();
+    void commandLineSyncStops_data();
+    void commandLineSyncStops();
+
+private:
+    struct Run
+    {
+        int code = -1;
+        QString out;
+        QString err;
+    };
+    // sablectl on the server folder <home>/home, with `input` on its standard input.
+    static Run sablectl(const TempHome& home, const QStringList& args, const QByteArray& input = {});
+    // A demo server folder whose directory settings are the fixture's (OpenLDAP preset, as reader).
+    static bool makeDemoHome(const TempHome& home, const SlapdServer& slapd, const QString& base);
+    static QStringList databaseRows(const TempHome& home);
 };
 
 void TestDirectorySync::distinguishedNames_data()
@@ -693,6 +715,157 @@ void TestDirectorySync::linksSavedWithTheChart()
     loaded = ChartReader::read(connect, progress, going);
     QCOMPARE(loaded.contents.directoryLinks.count(), 1);
     QVERIFY(!loaded.contents.directoryLinks.find(1));
+}
+
+// --- sablectl --------------------------------------------------------------------------------------
+
+TestDirectorySync::Run TestDirectorySync::sablectl(
+    const TempHome& home, const QStringList& args, const QByteArray& input)
+{
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("SABLE_REGISTRY_DIR"), home.registryFolder());
+    env.remove(QStringLiteral("SABLE_HOME"));
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(SABLECTL_PATH),
+        QStringList {QStringLiteral("--home"), home.path(QStringLiteral("home"))} + args);
+    process.write(input);
+    process.closeWriteChannel();
+    Run run;
+    if (!process.waitForFinished(60000))
+        return run;
+    run.code = process.exitCode();
+    run.out = QString::fromUtf8(process.readAllStandardOutput());
+    run.err = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+bool TestDirectorySync::makeDemoHome(const TempHome& home, const SlapdServer& slapd, const QString& base)
+{
+    return sablectl(home, {QStringLiteral("db"), QStringLiteral("init"), QStringLiteral("--demo")}).code == 0
+        && sablectl(home,
+               {QStringLiteral("directory"), QStringLiteral("configure"), QStringLiteral("--preset"),
+                   QStringLiteral("openldap"), QStringLiteral("--url"), slapd.url, QStringLiteral("--bind-dn"),
+                   QStringLiteral("cn=reader,") + slapd.base, QStringLiteral("--password"), QStringLiteral("-"),
+                   QStringLiteral("--base-dn"), base},
+               "reader-secret\n")
+               .code
+        == 0;
+}
+
+QStringList TestDirectorySync::databaseRows(const TempHome& home)
+{
+    return tableDump(sqliteConnectionString(home.path(QStringLiteral("home/SableDB.db"))));
+}
+
+void TestDirectorySync::passwordNeverOnTheCommandLine_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("code");
+    QTest::newRow("on the command line") << QStringList {"--password", "very-secret"} << QByteArray() << 2;
+    QTest::newRow("from standard input") << QStringList {"--password", "-"} << QByteArray("very-secret\n") << 0;
+    QTest::newRow("from a file") << QStringList {"--password-file", "FILE"} << QByteArray() << 0;
+    QTest::newRow("from a file that is not there") << QStringList {"--password-file", "NONE"} << QByteArray() << 2;
+}
+
+void TestDirectorySync::passwordNeverOnTheCommandLine()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, input);
+    QFETCH(int, code);
+    TempHome home;
+    home.writeFile(QStringLiteral("password"), "very-secret\n");
+    options.replaceInStrings(QStringLiteral("FILE"), home.path(QStringLiteral("password")));
+    options.replaceInStrings(QStringLiteral("NONE"), home.path(QStringLiteral("none")));
+    const Run configure = sablectl(home,
+        QStringList {QStringLiteral("directory"), QStringLiteral("configure"), QStringLiteral("--url"),
+            QStringLiteral("ldap://dir.example"), QStringLiteral("--bind-dn"), QStringLiteral("cn=sync,dc=example"),
+            QStringLiteral("--base-dn"), QStringLiteral("dc=example")}
+            + options,
+        input);
+    QCOMPARE(configure.code, code);
+    const Run show = sablectl(home, {QStringLiteral("directory"), QStringLiteral("show")});
+    QCOMPARE(show.code, 0);
+    const QString printed = configure.out + configure.err + show.out;
+    QVERIFY2(!printed.contains(QLatin1String("very-secret")), qPrintable(printed));
+    QCOMPARE(show.out.contains(QLatin1String("password: (stored)")), code == 0);
+    QCOMPARE(DirectorySettings::read(home.registry()).password, code == 0 ? QStringLiteral("very-secret") : QString());
+}
+
+void TestDirectorySync::syncFromTheCommandLine()
+{
+    const SlapdServer slapd = SlapdServer::fromFixture();
+    SABLE_REQUIRE_FIXTURE(slapd.isAvailable(), "the OpenLDAP server of the fixture");
+    TempHome home;
+    QVERIFY(makeDemoHome(home, slapd, slapd.base));
+    const auto directory
+        = [&home](const QStringList& args) { return sablectl(home, QStringList {QStringLiteral("directory")} + args); };
+    const Run test = directory({QStringLiteral("test")});
+    QCOMPARE(test.code, 0);
+    QVERIFY2(test.out.contains(Msg::kDirTestCount.arg(14)), qPrintable(test.out));
+
+    const QStringList before = databaseRows(home);
+    const Run dryRun = directory({QStringLiteral("sync"), QStringLiteral("--dry-run"), QStringLiteral("--json")});
+    QCOMPARE(dryRun.code, 0);
+    const QJsonObject summary
+        = QJsonDocument::fromJson(dryRun.out.toUtf8()).object().value(QLatin1String("summary")).toObject();
+    QCOMPARE(summary.value(QLatin1String("new")).toInt(), 7);
+    QCOMPARE(summary.value(QLatin1String("refused")).toInt(), 6);
+    QCOMPARE(databaseRows(home), before);
+
+    const Run apply = directory({QStringLiteral("sync"), QStringLiteral("--yes")});
+    QVERIFY2(apply.code == 0, qPrintable(apply.err));
+    QVERIFY(apply.out.contains(QLatin1String("saved: 7 added, 1 updated")));
+    QVERIFY(databaseRows(home).join(u'\n').contains(QLatin1String("|mskim|Kim, Minsu|")));
+    const Run again = directory({QStringLiteral("sync"), QStringLiteral("--yes")});
+    QCOMPARE(again.code, 0);
+    QVERIFY(again.out.contains(QLatin1String("unchanged 8")));
+    QVERIFY(again.out.endsWith(QLatin1String("nothing to change\n")));
+}
+
+void TestDirectorySync::commandLineSyncStops_data()
+{
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("unreachable directory") << "unreachable" << Msg::kDirUnreachable;
+    QTest::newRow("too many leavers") << "leavers" << Msg::kDirTooManyLeavers.arg(5).arg(2).arg(10);
+}
+
+void TestDirectorySync::commandLineSyncStops()
+{
+    QFETCH(QString, what);
+    QFETCH(QString, reason);
+    const SlapdServer slapd = SlapdServer::fromFixture();
+    SABLE_REQUIRE_FIXTURE(slapd.isAvailable(), "the OpenLDAP server of the fixture");
+    const QStringList logins {QStringLiteral("cli1"), QStringLiteral("cli2"), QStringLiteral("cli3"),
+        QStringLiteral("cli4"), QStringLiteral("cli5")};
+    const QString unit = slapd.addUnit(QStringLiteral("cli"), logins);
+    QVERIFY(!unit.isEmpty());
+    TempHome home;
+    QVERIFY(makeDemoHome(home, slapd, unit));
+    const QStringList sync {QStringLiteral("directory"), QStringLiteral("sync"), QStringLiteral("--yes")};
+    QCOMPARE(sablectl(home, sync).code, 0);
+    if (what == QLatin1String("unreachable")) {
+        QCOMPARE(sablectl(home,
+                     {QStringLiteral("directory"), QStringLiteral("configure"), QStringLiteral("--url"),
+                         QStringLiteral("ldap://127.0.0.1:%1").arg(closedLocalPort())})
+                     .code,
+            0);
+    } else {
+        QVERIFY(slapd.modify(QStringLiteral("dn: %1\nchangetype: delete\n\ndn: %2\nchangetype: delete\n")
+                                 .arg(SlapdServer::userDn(unit, logins[0]), SlapdServer::userDn(unit, logins[1]))));
+    }
+    const QStringList before = databaseRows(home);
+    const Run stopped = sablectl(home, sync);
+    QCOMPARE(stopped.code, 1);
+    QVERIFY2(stopped.err.contains(reason), qPrintable(stopped.err));
+    QVERIFY(stopped.err.contains(QLatin1String("nothing was written")));
+    QCOMPARE(databaseRows(home), before);
+    if (what == QLatin1String("leavers")) {
+        QCOMPARE(sablectl(home, sync + QStringList {QStringLiteral("--force")}).code, 0);
+        QVERIFY(databaseRows(home) != before);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestDirectorySync)

@@ -81,5 +81,6 @@ int saveChart(Context& context, CSableManagerDoc& doc, bool bYes);
 int printBytes(Context& context, const QByteArray& bytes);
 
 std::vector<Command> usersCommands();
+std::vector<Command> directoryCommands();
 
 } // namespace sable::ctl
