@@ -106,6 +106,7 @@ private:
     void changeDatabase();
     void importUsers();
     void exportUsers();
+    void syncDirectory();
     void moveSelection(bool bUp);
     void openQuickGuide();
     void showAbout();
