@@ -112,8 +112,11 @@ DirectorySnapshot snapshotOf(const QString& spec)
         user.fields[ColMemberID] = user.fields[ColMemberName] = parts[1];
         const QString extra = parts.value(2, QStringLiteral("팀"));
         user.bDisabled = extra == QLatin1String("disabled");
-        user.departments << QStringList {user.bDisabled ? QStringLiteral("팀") : extra};
-        user.dn = QStringLiteral("uid=%1,ou=%2").arg(parts[1], user.departments.first().first());
+        const QString department = user.bDisabled ? QStringLiteral("팀") : extra;
+        if (!snapshot.paths.contains(QStringList {department}))
+            snapshot.paths << QStringList {department};
+        user.departments << int(snapshot.paths.indexOf(QStringList {department}));
+        user.dn = QStringLiteral("uid=%1,ou=%2").arg(parts[1], department);
         snapshot.users.push_back(user);
     }
     return snapshot;

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace sable {
@@ -81,6 +82,6 @@ std::unique_ptr<DirectoryBackend> createDirectoryBackend();
 
 // Which requested attribute a returned attribute description is ("mail;binary" is "mail"); -1 for
 // none. `wanted` holds the requested names in lower case.
-int requestedAttributeIndex(const std::vector<std::string>& wanted, const std::string& returned);
+int requestedAttributeIndex(const std::vector<std::string>& wanted, std::string_view returned);
 
 } // namespace sable

@@ -89,26 +89,44 @@ QString firstValue(const DirectoryRawEntry& entry, const QList<int>& alternative
     return {};
 }
 
-// The OU path of each entry. Many entries share a parent: each parent DN is parsed once.
-class OuPaths
+// The department paths of the entries, each distinct one kept once in the snapshot. Many entries
+// share a parent DN or a department value: each is parsed once.
+class DepartmentPaths
 {
 public:
-    explicit OuPaths(DistinguishedName base)
+    DepartmentPaths(DistinguishedName base, QList<QStringList>& paths)
         : m_base(std::move(base))
+        , m_paths(paths)
     { }
 
-    // nullopt when the DN cannot be parsed.
-    std::optional<QStringList> of(const QString& dn)
+    // The path of the OUs above the entry; nullopt when its DN cannot be parsed.
+    std::optional<int> ofDn(const QString& dn)
     {
         const QString parent = dn.mid(endOfFirstRdn(dn) + 1);
-        if (const auto known = m_paths.constFind(parent); known != m_paths.cend())
+        if (const auto known = m_byParent.constFind(parent); known != m_byParent.cend())
             return *known;
         const std::optional<DistinguishedName> parsed = DistinguishedName::parse(parent);
         if (!parsed)
             return std::nullopt;
-        const QStringList units = parsed->isWithin(m_base) ? parsed->organisationalUnitsBelow(m_base) : QStringList();
-        m_paths.insert(parent, units);
-        return units;
+        const int index = indexOf(parsed->isWithin(m_base) ? parsed->organisationalUnitsBelow(m_base) : QStringList());
+        m_byParent.insert(parent, index);
+        return index;
+    }
+
+    // A department attribute's values: each a path, '/' separating the names from the top down.
+    QList<int> ofValues(const std::vector<std::string>& values)
+    {
+        QList<int> indexes;
+        for (const std::string& value : values) {
+            QStringList names;
+            for (const QString& name : text(value).split(u'/')) {
+                if (!name.trimmed().isEmpty())
+                    names << name.trimmed();
+            }
+            if (!names.isEmpty())
+                indexes << indexOf(names);
+        }
+        return indexes;
     }
 
 private:
@@ -123,34 +141,32 @@ private:
         return dn.size();
     }
 
-    DistinguishedName m_base;
-    QHash<QString, QStringList> m_paths;
-};
-
-// A department attribute's values: each a path, '/' separating the names from the top down.
-QList<QStringList> attributePaths(const std::vector<std::string>& values)
-{
-    QList<QStringList> paths;
-    for (const std::string& value : values) {
-        QStringList names;
-        for (const QString& name : text(value).split(u'/')) {
-            if (!name.trimmed().isEmpty())
-                names << name.trimmed();
-        }
-        if (!names.isEmpty())
-            paths << names;
+    int indexOf(const QStringList& names)
+    {
+        const QString key = names.join(QChar(0x1F));
+        if (const auto known = m_byKey.constFind(key); known != m_byKey.cend())
+            return *known;
+        m_paths << names;
+        const int index = static_cast<int>(m_paths.size()) - 1;
+        m_byKey.insert(key, index);
+        return index;
     }
-    return paths;
-}
+
+    DistinguishedName m_base;
+    QList<QStringList>& m_paths;
+    QHash<QString, int> m_byParent;
+    QHash<QString, int> m_byKey;
+};
 
 // One entry through the mapping.
 class EntryReader
 {
 public:
-    EntryReader(const DirectorySettings& settings, const AttributePlan& plan, DistinguishedName base)
+    EntryReader(
+        const DirectorySettings& settings, const AttributePlan& plan, DistinguishedName base, QList<QStringList>& paths)
         : m_settings(settings)
         , m_plan(plan)
-        , m_paths(std::move(base))
+        , m_paths(std::move(base), paths)
     { }
 
     DirectoryUser read(const DirectoryRawEntry& entry)
@@ -162,7 +178,8 @@ public:
         // Postal addresses separate their lines with '$'; the member list holds one line.
         static const QRegularExpression lineBreaks(QStringLiteral("\\s*[$\\r\\n]+\\s*"));
         QString& address = user.fields[ColAddress];
-        if (address.contains(lineBreaks))
+        if (std::any_of(
+                address.cbegin(), address.cend(), [](QChar ch) { return ch == u'$' || ch == u'\n' || ch == u'\r'; }))
             address = address.split(lineBreaks, Qt::SkipEmptyParts).join(QStringLiteral(", "));
         readIdentity(entry, user);
         readDepartments(entry, user);
@@ -191,19 +208,18 @@ private:
     void readDepartments(const DirectoryRawEntry& entry, DirectoryUser& user)
     {
         if (m_plan.department() >= 0) {
-            user.departments = attributePaths(entry.values[static_cast<size_t>(m_plan.department())]);
+            user.departments = m_paths.ofValues(entry.values[static_cast<size_t>(m_plan.department())]);
             return;
         }
-        const std::optional<QStringList> units = m_paths.of(user.dn);
-        if (!units)
-            user.problem = Msg::kDirBadDn;
-        else
+        if (const std::optional<int> units = m_paths.ofDn(user.dn))
             user.departments << *units;
+        else
+            user.problem = Msg::kDirBadDn;
     }
 
     const DirectorySettings& m_settings;
     const AttributePlan& m_plan;
-    OuPaths m_paths;
+    DepartmentPaths m_paths;
 };
 
 } // namespace
@@ -261,11 +277,10 @@ QString DirectoryReader::uniqueIdText(const QString& attribute, const std::strin
         }
         return out;
     }
-    const QString decoded = text(value);
-    const bool printable = std::all_of(decoded.cbegin(), decoded.cend(), [](QChar ch) { return ch.isPrint(); });
-    return printable && decoded.toUtf8().size() == static_cast<qsizetype>(value.size())
-        ? decoded
-        : QString::fromLatin1(QByteArray(value.data(), static_cast<qsizetype>(value.size())).toHex());
+    // Text IDs (entryUUID, nsUniqueId, ...) are printable ASCII; anything else is shown in hex.
+    const bool printable = std::all_of(value.cbegin(), value.cend(), [](char c) { return c >= 0x20 && c < 0x7F; });
+    const QByteArray bytes(value.data(), static_cast<qsizetype>(value.size()));
+    return printable ? QString::fromLatin1(bytes) : QString::fromLatin1(bytes.toHex());
 }
 
 std::optional<DirectoryTestReport> DirectoryReader::test(QString* problem) const
@@ -327,8 +342,8 @@ std::optional<DirectorySnapshot> DirectoryReader::read(const std::function<bool(
     }
     const DistinguishedName base = *DistinguishedName::parse(m_settings.baseDn.trimmed());
     const AttributePlan plan(m_settings);
-    EntryReader reader(m_settings, plan, base);
     DirectorySnapshot snapshot;
+    EntryReader reader(m_settings, plan, base, snapshot.paths);
     snapshot.baseName = base.leafValue();
     snapshot.bPathsBelowTop = m_settings.mapping.departments == DepartmentSource::OrganisationalUnits;
     snapshot.bRankGiven = plan.rank() >= 0;

@@ -18,7 +18,7 @@ struct DirectoryUser
     QString uniqueId; // the unique-ID attribute's value as text, or the DN in lower case without one
     bool bDisabled = false; // a leaver by the leaver rule although the entry is still there
     std::array<QString, MemberColumnCount> fields; // the mapped fields; empty where the entry has none
-    QList<QStringList> departments; // department paths, names from the top down
+    QList<int> departments; // the user's department paths, as indexes into DirectorySnapshot::paths
     QString rank;
     QString problem; // why the entry cannot be used as a user (then nothing else counts)
 };
@@ -27,6 +27,9 @@ struct DirectoryUser
 struct DirectorySnapshot
 {
     std::vector<DirectoryUser> users;
+    // The distinct department paths of the users, names from the top down: thousands of users share
+    // a few hundred departments, and each is resolved once.
+    QList<QStringList> paths;
     std::array<bool, MemberColumnCount> mapped {}; // the member fields the directory feeds
     QString baseName; // the value of the base DN's first RDN: the top department of an empty chart
     bool bPathsBelowTop = true; // department paths start below the top department (OUs)

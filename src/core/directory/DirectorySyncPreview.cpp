@@ -43,6 +43,7 @@ public:
         , m_preview(out.m_preview)
         , m_target(snapshot.users.size(), -1)
         , m_refusal(snapshot.users.size())
+        , m_pathTargets(static_cast<size_t>(snapshot.paths.size()), kUnresolved)
     { }
 
     void run()
@@ -76,19 +77,35 @@ private:
     // Entries that cannot be told apart are refused, each naming the others.
     void indexEntries()
     {
-        QHash<QString, QList<size_t>> byId;
-        QHash<QString, QList<size_t>> byUniqueId;
-        for (size_t entry = 0; entry < m_snapshot.users.size(); ++entry) {
+        const size_t count = m_snapshot.users.size();
+        m_idKeys.resize(count);
+        m_presentEntry.reserve(static_cast<qsizetype>(count));
+        QHash<QString, size_t> firstById;
+        firstById.reserve(static_cast<qsizetype>(count));
+        // Lists are kept only for what occurs more than once: most directories hold none.
+        QHash<QString, QList<size_t>> repeatedIds;
+        QHash<QString, QList<size_t>> repeatedUniqueIds;
+        const auto note = [](QHash<QString, size_t>& first, QHash<QString, QList<size_t>>& repeated, const QString& key,
+                              size_t entry) {
+            const auto known = first.constFind(key);
+            if (known == first.cend())
+                first.insert(key, entry);
+            else if (QList<size_t>& entries = repeated[key]; entries.isEmpty())
+                entries << *known << entry;
+            else
+                entries << entry;
+        };
+        for (size_t entry = 0; entry < count; ++entry) {
             const DirectoryUser& u = user(entry);
-            if (!u.uniqueId.isEmpty()) {
-                m_presentEntry.insert(u.uniqueId, entry);
-                byUniqueId[u.uniqueId] << entry;
+            if (!u.uniqueId.isEmpty())
+                note(m_presentEntry, repeatedUniqueIds, u.uniqueId, entry);
+            if (u.problem.isEmpty()) {
+                m_idKeys[entry] = idKey(u.fields[ColMemberID]);
+                note(firstById, repeatedIds, m_idKeys[entry], entry);
             }
-            if (u.problem.isEmpty())
-                byId[idKey(u.fields[ColMemberID])] << entry;
         }
-        refuseRepeated(byId, Msg::kDirIdTwice);
-        refuseRepeated(byUniqueId, Msg::kDirUniqueIdTwice);
+        refuseRepeated(repeatedIds, Msg::kDirIdTwice);
+        refuseRepeated(repeatedUniqueIds, Msg::kDirUniqueIdTwice);
     }
 
     void refuseRepeated(const QHash<QString, QList<size_t>>& index, const QString& text)
@@ -129,7 +146,7 @@ private:
         for (size_t entry = 0; entry < m_snapshot.users.size(); ++entry) {
             if (!isUsable(entry) || m_target[entry] >= 0 || user(entry).bDisabled)
                 continue;
-            const QString key = idKey(user(entry).fields[ColMemberID]);
+            const QString& key = m_idKeys[entry];
             if (m_ambiguousIds.contains(key)) {
                 m_refusal[entry] = Msg::kDirIdAmbiguous;
                 continue;
@@ -171,7 +188,7 @@ private:
             out.refusals.push_back({-1, u.problem.isEmpty() ? m_refusal[entry] : u.problem});
         } else {
             readMember(u, out);
-            checkMember(out);
+            checkMember(out, m_idKeys[entry]);
             if (out.refusals.empty())
                 placeMember(u, out);
         }
@@ -191,9 +208,9 @@ private:
             out.member.Passwd = PasswordGenerator::generate(m_options.passwordLength, m_options.passwordAlphabet);
     }
 
-    void checkMember(ImportRow& out)
+    void checkMember(ImportRow& out, const QString& key)
     {
-        const int renamedTo = m_rowById.value(idKey(out.member.MemberID), -1);
+        const int renamedTo = m_rowById.value(key, -1);
         if (out.memberRow >= 0 && renamedTo >= 0 && renamedTo != out.memberRow)
             out.refusals.push_back({ColMemberID, Msg::kDirIdUsedByOther.arg(m_chart.member(renamedTo).MemberID)});
         if (out.member.MemberName.isEmpty())
@@ -213,27 +230,38 @@ private:
     {
         const int rank
             = m_snapshot.bRankGiven ? m_preview.rankTargets().resolve(u.rank) : ImportPlacement::kRankNotGiven;
-        QList<QStringList> paths = u.departments.isEmpty() ? QList<QStringList> {QStringList()} : u.departments;
-        QSet<const OrgNode*> wanted;
-        // Paths start below the top department; an attribute's path may name it first. An empty
-        // chart takes the base's name for its top department.
-        const QString top = topName();
-        for (QStringList& path : paths) {
-            if (m_snapshot.bPathsBelowTop || path.isEmpty() || (!m_chart.rootGroup() && path.first() != top))
-                path.prepend(top);
-            const int department = m_preview.departmentTargets().resolve(path);
-            if (std::any_of(out.placements.begin(), out.placements.end(),
+        static const QList<int> topOnly {-1};
+        for (const int path : u.departments.isEmpty() ? topOnly : u.departments) {
+            const int department = targetOf(path);
+            if (std::none_of(out.placements.begin(), out.placements.end(),
                     [department](const ImportPlacement& p) { return p.department == department; }))
-                continue;
-            out.placements.push_back({department, rank});
-            wanted.insert(m_preview.departments().at(department).node);
+                out.placements.push_back({department, rank});
         }
         if (out.memberRow < 0)
             return;
+        const DepartmentTargets& targets = m_preview.departments();
         for (const OrgNode* placement : m_chart.placementsOf(out.member.K_MemberID)) {
-            if (!wanted.contains(placement->parent()))
+            const OrgNode* group = placement->parent();
+            if (std::none_of(out.placements.begin(), out.placements.end(),
+                    [&](const ImportPlacement& p) { return targets.at(p.department).node == group; }))
                 out.removals.push_back(placement->parent());
         }
+    }
+
+    // The department target of a path of the snapshot (-1: the top department), resolved once.
+    // Paths start below the top department; an attribute's path may name it first. An empty chart
+    // takes the base's name for its top department.
+    int targetOf(int path)
+    {
+        int& target = path < 0 ? m_topTarget : m_pathTargets[static_cast<size_t>(path)];
+        if (target != kUnresolved)
+            return target;
+        QStringList names = path < 0 ? QStringList() : m_snapshot.paths[path];
+        const QString top = topName();
+        if (m_snapshot.bPathsBelowTop || names.isEmpty() || (!m_chart.rootGroup() && names.first() != top))
+            names.prepend(top);
+        target = m_preview.departmentTargets().resolve(names);
+        return target;
     }
 
     QString topName() const
@@ -318,11 +346,15 @@ private:
     ImportPreview& m_preview;
     std::vector<int> m_target; // per entry: the member row it keeps, -1 for a new user
     std::vector<QString> m_refusal; // per entry: why it meets nobody
+    std::vector<QString> m_idKeys; // per entry: its login ID as login IDs compare
     QHash<QString, int> m_rowById;
     QSet<QString> m_ambiguousIds; // login IDs that several users of the chart share
     QHash<QString, size_t> m_presentEntry; // unique ID -> entry
     QHash<int, size_t> m_claimedBy; // member row -> the entry that keeps it
     std::vector<std::pair<size_t, size_t>> m_rowEntry; // preview row -> entry, for the rows that keep a user
+    static constexpr int kUnresolved = -100;
+    std::vector<int> m_pathTargets; // per path of the snapshot: its department target
+    int m_topTarget = kUnresolved;
 };
 
 DirectorySyncPreview::DirectorySyncPreview(ImportPreview preview)

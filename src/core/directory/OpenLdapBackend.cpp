@@ -97,6 +97,22 @@ private:
     // The paged-results cookie of a page's result; empty when the search is complete.
     static std::string nextCookie(LDAP* ld, LDAPControl** controls);
 
+    // One search as the library takes it.
+    struct Request
+    {
+        const char* base;
+        int scope;
+        const char* filter;
+        char** names;
+        int pageSize;
+    };
+    static constexpr int kFailed = -1;
+    static constexpr int kNoMorePages = -2;
+    // Sends the request of one page; its message ID, or kFailed after saying why.
+    int requestPage(const Request& request, const std::string& cookie, DirectoryFailure* failure);
+    // The whole answer to a page and the cookie of the next; nullptr after saying why.
+    LDAPMessage* receivePage(int id, std::string* cookie, DirectoryFailure* failure);
+
     LDAP* m_ld = nullptr;
     timeval m_timeout {30, 0};
 };
@@ -172,7 +188,9 @@ bool OpenLdapBackend::visitEntries(
         char* dn = ldap_get_dn(m_ld, at);
         entry.dn = dn ? dn : "";
         ldap_memfree(dn);
-        entry.values.assign(wanted.size(), {});
+        entry.values.resize(wanted.size());
+        for (std::vector<std::string>& values : entry.values)
+            values.clear();
         BerElement* ber = nullptr;
         for (char* name = ldap_first_attribute(m_ld, at, &ber); name; name = ldap_next_attribute(m_ld, at, ber)) {
             const int index = requestedAttributeIndex(wanted, name);
@@ -202,6 +220,55 @@ std::string OpenLdapBackend::nextCookie(LDAP* ld, LDAPControl** controls)
     return out;
 }
 
+int OpenLdapBackend::requestPage(const Request& request, const std::string& cookie, DirectoryFailure* failure)
+{
+    LDAPControl* page = nullptr;
+    berval cookieValue {static_cast<ber_len_t>(cookie.size()), const_cast<char*>(cookie.data())};
+    // Not critical: a server without paging answers in one piece, within its size limit.
+    if (request.pageSize > 0
+        && ldap_create_page_control(m_ld, request.pageSize, &cookieValue, 0, &page) != LDAP_SUCCESS)
+        return fail(LDAP_NO_MEMORY, nullptr, failure), kFailed;
+    LDAPControl* controls[] = {page, nullptr};
+    timeval timeout = m_timeout;
+    int id = kFailed;
+    const int rc = ldap_search_ext(m_ld, request.base, request.scope, request.filter, request.names, 0,
+        page ? controls : nullptr, nullptr, &timeout, LDAP_NO_LIMIT, &id);
+    ldap_control_free(page);
+    return rc == LDAP_SUCCESS ? id : (fail(rc, nullptr, failure), kFailed);
+}
+
+LDAPMessage* OpenLdapBackend::receivePage(int id, std::string* cookie, DirectoryFailure* failure)
+{
+    LDAPMessage* result = nullptr;
+    timeval timeout = m_timeout;
+    const int type = ldap_result(m_ld, id, LDAP_MSG_ALL, &timeout, &result);
+    if (type <= 0) {
+        int code = LDAP_TIMEOUT;
+        if (type < 0)
+            ldap_get_option(m_ld, LDAP_OPT_RESULT_CODE, &code);
+        else
+            ldap_abandon_ext(m_ld, id, nullptr, nullptr);
+        ldap_msgfree(result);
+        fail(code, nullptr, failure);
+        return nullptr;
+    }
+    int code = LDAP_SUCCESS;
+    char* serverText = nullptr;
+    LDAPControl** controls = nullptr;
+    const int rc = ldap_parse_result(m_ld, result, &code, nullptr, &serverText, nullptr, &controls, 0);
+    if (rc != LDAP_SUCCESS || code != LDAP_SUCCESS) {
+        fail(rc != LDAP_SUCCESS ? rc : code, serverText, failure);
+        ldap_memfree(serverText);
+        ldap_controls_free(controls);
+        ldap_msgfree(result);
+        return nullptr;
+    }
+    *cookie = nextCookie(m_ld, controls);
+    ldap_memfree(serverText);
+    ldap_controls_free(controls);
+    return result;
+}
+
 bool OpenLdapBackend::search(const std::string& base, DirectoryScope scope, const std::string& filter,
     const std::vector<std::string>& attributes, int pageSize, const std::function<bool(DirectoryRawEntry&)>& visit,
     DirectoryFailure* failure)
@@ -216,41 +283,28 @@ bool OpenLdapBackend::search(const std::string& base, DirectoryScope scope, cons
         names.push_back(const_cast<char*>(name.c_str()));
     }
     names.push_back(nullptr);
-    const int ldapScope = scope == DirectoryScope::Base ? LDAP_SCOPE_BASE : LDAP_SCOPE_SUBTREE;
+    const Request request {base.c_str(), scope == DirectoryScope::Base ? LDAP_SCOPE_BASE : LDAP_SCOPE_SUBTREE,
+        filter.c_str(), names.data(), pageSize};
     std::string cookie;
-    do {
-        LDAPControl* page = nullptr;
-        berval cookieValue {static_cast<ber_len_t>(cookie.size()), cookie.data()};
-        // Not critical: a server without paging answers in one piece, within its size limit.
-        if (pageSize > 0 && ldap_create_page_control(m_ld, pageSize, &cookieValue, 0, &page) != LDAP_SUCCESS)
-            return fail(LDAP_NO_MEMORY, nullptr, failure);
-        LDAPControl* controls[] = {page, nullptr};
-        LDAPMessage* result = nullptr;
-        timeval timeout = m_timeout;
-        const int rc = ldap_search_ext_s(m_ld, base.c_str(), ldapScope, filter.c_str(), names.data(), 0,
-            page ? controls : nullptr, nullptr, &timeout, LDAP_NO_LIMIT, &result);
-        ldap_control_free(page);
-        if (rc != LDAP_SUCCESS) {
-            char* serverText = nullptr;
-            if (result)
-                ldap_parse_result(m_ld, result, nullptr, nullptr, &serverText, nullptr, nullptr, 0);
-            fail(rc, serverText, failure);
-            ldap_memfree(serverText);
-            ldap_msgfree(result);
+    int id = requestPage(request, cookie, failure);
+    while (id != kFailed && id != kNoMorePages) {
+        LDAPMessage* result = receivePage(id, &cookie, failure);
+        if (!result)
             return false;
-        }
-        const bool going = visitEntries(result, wanted, visit);
-        LDAPControl** returned = nullptr;
-        ldap_parse_result(m_ld, result, nullptr, nullptr, nullptr, nullptr, &returned, 0);
-        cookie = going && pageSize > 0 ? nextCookie(m_ld, returned) : std::string();
-        ldap_controls_free(returned);
+        // The server prepares the next page while this one is handed over.
+        id = pageSize > 0 && !cookie.empty() ? requestPage(request, cookie, failure) : kNoMorePages;
+        const bool going = id != kFailed && visitEntries(result, wanted, visit);
         ldap_msgfree(result);
+        if (id == kFailed)
+            return false;
         if (!going) {
+            if (id != kNoMorePages)
+                ldap_abandon_ext(m_ld, id, nullptr, nullptr);
             *failure = {Kind::Stopped, 0, {}};
             return false;
         }
-    } while (!cookie.empty());
-    return true;
+    }
+    return id == kNoMorePages;
 }
 
 } // namespace

@@ -153,7 +153,9 @@ bool WinLdapBackend::visitEntries(
         const PWCHAR dn = ldap_get_dnW(m_ld, at);
         entry.dn = dn ? narrow(dn) : std::string();
         ldap_memfreeW(dn);
-        entry.values.assign(wanted.size(), {});
+        entry.values.resize(wanted.size());
+        for (std::vector<std::string>& values : entry.values)
+            values.clear();
         BerElement* ber = nullptr;
         for (PWCHAR name = ldap_first_attributeW(m_ld, at, &ber); name; name = ldap_next_attributeW(m_ld, at, ber)) {
             const int index = requestedAttributeIndex(wanted, narrow(name));
