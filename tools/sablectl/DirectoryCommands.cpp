@@ -351,7 +351,8 @@ int sync(Context& context, QStringList args)
     if (asJson)
         return printBytes(context, json(doc.chart(), preview));
     printTable(context, doc.chart(), preview);
-    if (const QString over = DirectorySyncEdits::thresholdProblem(preview); !over.isEmpty())
+    // Without --force the apply below refuses with the same text.
+    if (const QString over = DirectorySyncEdits::thresholdProblem(preview); !over.isEmpty() && (dryRun || force))
         context.err << over << (force ? " (--force: going on)" : "") << Qt::endl;
     if (dryRun) {
         context.out << "dry run: nothing was written" << Qt::endl;
