@@ -75,9 +75,9 @@ QString reasons(const ImportPreview& preview, const QString& login)
     return out.join(QStringLiteral(" / "));
 }
 
-// A chart "회사[팀[...]]" of the members in `spec` ("kim@e1 lee": kim kept from entry e1, lee made by
+// A chart "회사[팀[...]]" of the members in `layout` ("kim@e1 lee": kim kept from entry e1, lee made by
 // hand), each named as its login.
-ChartContents chartOf(const QString& spec)
+ChartContents chartOf(const QString& layout)
 {
     ChartContents contents;
     OrgChart& chart = *contents.chart;
@@ -85,7 +85,7 @@ ChartContents chartOf(const QString& spec)
     OrgNode* team = chart.appendNodeQuietly(top, OrgNode::makeGroup(2, QStringLiteral("팀")));
     chart.appendNodeQuietly(top, OrgNode::makeGroup(3, QStringLiteral("본부")));
     int id = 0;
-    for (const QString& item : spec.split(u' ', Qt::SkipEmptyParts)) {
+    for (const QString& item : layout.split(u' ', Qt::SkipEmptyParts)) {
         MemberRecord member = ImportPreview::newMember();
         member.K_MemberID = ++id;
         member.MemberID = member.MemberName = item.section(u'@', 0, 0);
@@ -99,13 +99,13 @@ ChartContents chartOf(const QString& spec)
     return contents;
 }
 
-// Entries from `spec` ("e1:kim e2:lee:disabled e3:park:본부"): unique ID, login and name, and either
+// Entries from `layout` ("e1:kim e2:lee:disabled e3:park:본부"): unique ID, login and name, and either
 // the department (팀 when none is given) or "disabled".
-DirectorySnapshot snapshotOf(const QString& spec)
+DirectorySnapshot snapshotOf(const QString& layout)
 {
     DirectorySnapshot snapshot;
     snapshot.mapped[ColMemberID] = snapshot.mapped[ColMemberName] = true;
-    for (const QString& item : spec.split(u' ', Qt::SkipEmptyParts)) {
+    for (const QString& item : layout.split(u' ', Qt::SkipEmptyParts)) {
         const QStringList parts = item.split(u':');
         DirectoryUser user;
         user.uniqueId = parts[0];

@@ -1,7 +1,5 @@
 #include "directory/DirectoryLinks.h"
 
-#include "orgchart/Revision.h"
-
 namespace sable {
 
 const DirectoryLink* DirectoryLinks::find(int memberId) const

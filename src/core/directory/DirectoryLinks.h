@@ -1,5 +1,7 @@
 #pragma once
 
+#include "orgchart/Revision.h"
+
 #include <QHash>
 #include <QString>
 
@@ -45,7 +47,7 @@ public:
 private:
     QHash<int, DirectoryLink> m_byMember;
     QHash<QString, int> m_byEntry;
-    quint64 m_revision = 0;
+    quint64 m_revision = Revision::next();
 };
 
 } // namespace sable
