@@ -15,12 +15,13 @@ LAYERS = {
     'core/platform': 1,
     'core/db': 2,
     'core/orgchart': 3, 'core/filebox': 3, 'core/clientsettings': 3, 'core/onboarding': 3,
-    'core/userimport': 3,
+    'core/userimport': 3, 'core/directory': 3,
     'core/document': 4,
     'core/server': 5,
     'gui/widgets': 6,
     'gui/orgchart': 7, 'gui/filebox': 7, 'gui/clientsettings': 7, 'gui/onboarding': 7, 'gui/userimport': 7,
     'gui/document': 7,
+    'gui/directory': 7,
     'gui/mainwindow': 8,
     '.': 9,  # src/main.cpp
 }

@@ -17,6 +17,11 @@ if [ "$(id -u)" != 0 ]; then
     sudo=sudo
 fi
 export DEBIAN_FRONTEND=noninteractive
+# slapd is for the test fixture's own servers: without this answer its package would set up a
+# database of its own and start a system daemon.
+if [[ " ${missing[*]} " == *" slapd "* ]]; then
+    echo "slapd slapd/no_configuration boolean true" | $sudo debconf-set-selections
+fi
 if ! $sudo apt-get install -y --no-install-recommends "${missing[@]}"; then
     $sudo apt-get update
     $sudo apt-get install -y --no-install-recommends "${missing[@]}"

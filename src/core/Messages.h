@@ -664,4 +664,133 @@ inline const QString kStartupStopped = QStringLiteral("Sable Manager를 시작�
 inline const QString kDetailsButton = QStringLiteral("자세히(&D)...");
 inline const QString kHideDetailsButton = QStringLiteral("자세히 닫기(&D)");
 
+// Directory sync: the settings, the directory's failures, the entries it refuses, the leavers
+inline const QString kDirNoUrl = QStringLiteral("디렉터리 서버 주소(URL)를 입력하세요.");
+inline const QString kDirBadUrl
+    = QStringLiteral("디렉터리 서버 주소는 ldap://서버[:포트] 또는 ldaps://서버[:포트] 형식이어야 합니다.");
+inline const QString kDirTlsTwice = QStringLiteral("ldaps:// 주소에는 StartTLS를 함께 쓸 수 없습니다.");
+inline const QString kDirNoPassword
+    = QStringLiteral("바인드 DN의 비밀번호를 입력하세요. 익명으로 연결하려면 바인드 DN을 비워 두세요.");
+inline const QString kDirNoBaseDn = QStringLiteral("기준 DN을 입력하세요.");
+inline const QString kDirBadBaseDn = QStringLiteral("기준 DN의 형식이 올바르지 않습니다: %1");
+inline const QString kDirNoLoginAttribute = QStringLiteral("아이디로 쓸 속성을 입력하세요.");
+inline const QString kDirNoNameAttribute = QStringLiteral("이름으로 쓸 속성을 입력하세요.");
+inline const QString kDirNoDepartmentAttribute = QStringLiteral("부서로 쓸 속성을 입력하세요.");
+inline const QString kDirNoLeaverFilter = QStringLiteral("퇴사자를 찾을 필터를 입력하세요.");
+inline const QString kDirBadThreshold = QStringLiteral("퇴사자 한도는 0에서 100 사이의 백분율이어야 합니다.");
+inline const QString kDirBadPageSize = QStringLiteral("페이지 크기는 0에서 %1 사이여야 합니다.");
+inline const QString kDirBadTimeout = QStringLiteral("제한 시간은 1초에서 %1초 사이여야 합니다.");
+inline const QString kDirBadPasswordLength = QStringLiteral("비밀번호 길이는 %1에서 %2 사이여야 합니다.");
+inline const QString kDirBadPasswordAlphabet
+    = QStringLiteral("비밀번호 문자는 공백을 뺀 영문, 숫자, 기호로 두 가지 이상이어야 합니다.");
+inline const QString kDirUnreachable
+    = QStringLiteral("디렉터리 서버에 연결할 수 없습니다. 주소와 포트, 방화벽을 확인하세요.");
+inline const QString kDirTlsFailed
+    = QStringLiteral("디렉터리 서버와 보안 연결(TLS)을 맺지 못했습니다. 서버 인증서와 CA 인증서 파일을 확인하세요.");
+inline const QString kDirBindRefused
+    = QStringLiteral("디렉터리 서버가 로그인을 거부했습니다. 바인드 DN과 비밀번호를 확인하세요.");
+inline const QString kDirNoSuchBase = QStringLiteral("기준 DN을 디렉터리에서 찾을 수 없습니다.");
+inline const QString kDirBadFilter = QStringLiteral("필터가 올바르지 않습니다.");
+inline const QString kDirTimedOut = QStringLiteral("디렉터리 서버가 제한 시간 안에 응답하지 않았습니다.");
+inline const QString kDirLimitExceeded = QStringLiteral("디렉터리 서버가 검색 결과의 일부만 돌려주었습니다(크기 "
+                                                        "제한). 전체를 읽지 못해 동기화하지 않습니다.");
+inline const QString kDirStopped = QStringLiteral("디렉터리 읽기를 중지했습니다.");
+inline const QString kDirOtherError = QStringLiteral("디렉터리 서버에서 오류가 발생했습니다.");
+inline const QString kDirServerSaid = QStringLiteral("서버의 응답: %1");
+inline const QString kDirLeaverFilterFailed = QStringLiteral("퇴사자 필터로 찾지 못했습니다. %1");
+inline const QString kDirTestConnected = QStringLiteral("%1에 연결했습니다 (%2).");
+inline const QString kDirTestAnonymous = QStringLiteral("익명");
+inline const QString kDirTestVendor = QStringLiteral("서버: %1");
+inline const QString kDirTestVersion = QStringLiteral("버전: %1");
+inline const QString kDirTestHost = QStringLiteral("호스트: %1");
+inline const QString kDirTestNamingContexts = QStringLiteral("이름 공간: %1");
+inline const QString kDirTestLdapVersion = QStringLiteral("LDAP 버전: %1");
+inline const QString kDirTestCount = QStringLiteral("필터에 맞는 항목: %1개");
+inline const QString kDirNoLoginId = QStringLiteral("아이디 속성(%1)이 없는 항목입니다.");
+inline const QString kDirNoUniqueId = QStringLiteral("고유 ID 속성(%1)이 없는 항목입니다.");
+inline const QString kDirBadDn = QStringLiteral("DN을 해석할 수 없는 항목입니다.");
+inline const QString kDirIdTwice = QStringLiteral("아이디가 같은 항목이 또 있습니다: %1");
+inline const QString kDirUniqueIdTwice = QStringLiteral("고유 ID가 같은 항목이 또 있습니다: %1");
+inline const QString kDirIdAmbiguous = QStringLiteral("조직도에 이 아이디의 사용자가 여럿 있습니다(대소문자만 다름).");
+inline const QString kDirIdTaken = QStringLiteral("이 아이디의 사용자는 다른 항목(%1)에서 관리됩니다.");
+inline const QString kDirIdUsedByOther = QStringLiteral("다른 사용자(%1)가 쓰는 아이디로 바꿀 수 없습니다.");
+inline const QString kDirLeaverGone = QStringLiteral("디렉터리에서 사라짐");
+inline const QString kDirLeaverDisabled = QStringLiteral("디렉터리에서 사용 중지됨");
+inline const QString kDirTooManyLeavers
+    = QStringLiteral("디렉터리가 관리하는 사용자 %1명 중 %2명이 퇴사 처리됩니다. 한도(%3%)를 넘어 동기화를 "
+                     "멈췄습니다. 디렉터리와 필터를 확인하고, 의도한 것이면 한도를 무시하고 적용하세요.");
+inline const QString kDirPreviewStale
+    = QStringLiteral("미리 보기를 만든 뒤 조직도가 바뀌었습니다. 미리 보기를 다시 만드세요.");
+inline const QString kDirNothingToApply = QStringLiteral("디렉터리와 조직도가 같습니다. 바꿀 것이 없습니다.");
+inline const QString kStepDirectorySync = QStringLiteral("디렉터리 동기화 (추가 %1명, 수정 %2명, 퇴사 %3명)");
+
+// Directory sync: the console's command and dialog
+inline const QString kCmdDirectorySync = QStringLiteral("디렉터리 동기화(&D)...");
+inline const QString kTipDirectorySync = QStringLiteral("디렉터리 동기화");
+inline const QString kPromptDirectorySync
+    = QStringLiteral("Active Directory나 LDAP 디렉터리의 사용자와 부서를 조직도에 맞춥니다.");
+inline const QString kDirDialogTitle = QStringLiteral("디렉터리 동기화");
+inline const QString kDirConnectionTab = QStringLiteral("연결");
+inline const QString kDirMappingTab = QStringLiteral("항목 연결");
+inline const QString kDirPreviewTab = QStringLiteral("미리 보기 및 적용");
+inline const QString kDirUrlLabel = QStringLiteral("서버 주소(&U):");
+inline const QString kDirStartTlsCheck = QStringLiteral("StartTLS로 암호화(&T)");
+inline const QString kDirCaFileLabel = QStringLiteral("CA 인증서 파일:");
+inline const QString kDirCaFilePlaceholder = QStringLiteral("(비우면 시스템의 인증서)");
+inline const QString kDirBrowse = QStringLiteral("찾아보기...");
+inline const QString kDirCaFileFilter = QStringLiteral("인증서 (*.pem *.crt *.cer);;모든 파일 (*)");
+inline const QString kDirBindDnLabel = QStringLiteral("바인드 DN(&B):");
+inline const QString kDirBindDnPlaceholder = QStringLiteral("(비우면 익명)");
+inline const QString kDirPasswordLabel = QStringLiteral("비밀번호(&P):");
+inline const QString kDirPasswordKept = QStringLiteral("(저장된 비밀번호 유지)");
+inline const QString kDirBaseDnLabel = QStringLiteral("기준 DN(&N):");
+inline const QString kDirFilterLabel = QStringLiteral("사용자 필터(&F):");
+inline const QString kDirPageSizeLabel = QStringLiteral("페이지 크기:");
+inline const QString kDirTimeoutLabel = QStringLiteral("제한 시간(초):");
+inline const QString kDirTestButton = QStringLiteral("연결 테스트(&E)");
+inline const QString kDirTesting = QStringLiteral("연결하는 중입니다...");
+inline const QString kDirTestPassed = QStringLiteral("연결 테스트에 성공했습니다.");
+inline const QString kDirTestFailed = QStringLiteral("연결 테스트에 실패했습니다.");
+inline const QString kDirPresetLabel = QStringLiteral("미리 설정:");
+inline const QString kDirPresetAd = QStringLiteral("Active Directory");
+inline const QString kDirPresetOpenLdap = QStringLiteral("OpenLDAP (inetOrgPerson)");
+inline const QString kDirPresetApply = QStringLiteral("적용(&A)");
+inline const QString kDirAttributesGroup = QStringLiteral("사용자 정보의 속성 (쉼표로 여럿: 앞의 것부터)");
+inline const QString kDirUniqueIdLabel = QStringLiteral("고유 ID 속성:");
+inline const QString kDirDepartmentsGroup = QStringLiteral("부서와 직급");
+inline const QString kDirFromOus = QStringLiteral("DN의 OU 경로 (기준 DN 아래, 최상위 부서 밑에)");
+inline const QString kDirFromAttribute = QStringLiteral("속성 ('/'로 경로 구분):");
+inline const QString kDirRankLabel = QStringLiteral("직급 속성:");
+inline const QString kDirRankPlaceholder = QStringLiteral("(비우면 직급을 바꾸지 않음)");
+inline const QString kDirLeaversGroup = QStringLiteral("퇴사자");
+inline const QString kDirLeaversGone = QStringLiteral("디렉터리에서 사라진 사용자");
+inline const QString kDirLeaversDisabled = QStringLiteral("사라지거나 사용 중지된 사용자 (userAccountControl)");
+inline const QString kDirLeaversFilter = QStringLiteral("사라지거나 이 필터에 맞는 사용자:");
+inline const QString kDirThresholdLabel = QStringLiteral("관리 사용자 중 이보다 많이 퇴사하면 멈춤:");
+inline const QString kDirNewUsersGroup = QStringLiteral("새 사용자의 비밀번호");
+inline const QString kDirPasswordLengthLabel = QStringLiteral("길이:");
+inline const QString kDirPasswordAlphabetLabel = QStringLiteral("문자:");
+inline const QString kDirPreviewButton = QStringLiteral("미리 보기(&V)");
+inline const QString kDirStopButton = QStringLiteral("중지(&S)");
+inline const QString kDirReading = QStringLiteral("디렉터리에서 항목 %1개를 읽었습니다...");
+inline const QString kDirPreviewIntro = QStringLiteral(
+    "미리 보기를 누르면 디렉터리를 읽어 조직도에 생길 변화를 보여 줍니다. 적용은 한 번의 실행 취소로 되돌릴 수 있으며, "
+    "저장하기 전에는 데이터베이스에 기록되지 않습니다.");
+inline const QString kDirSummary = QStringLiteral("추가 %1명, 수정 %2명, 변경 없음 %3명, 거부 %4명, 퇴사 %5명");
+inline const QString kDirSummaryMore = QStringLiteral("부서 배치 제거 %1건, 새 부서 %2개, 새 직급 %3개, 새로 관리하는 "
+                                                      "기존 사용자 %4명, 제외된 사용 중지 항목 %5개 (항목 %6개, "
+                                                      "디렉터리 검색 %7초)");
+inline const QString kDirChangedOnly = QStringLiteral("바뀌는 항목만 보기(&C)");
+inline const QString kDirLeaversHeading = QStringLiteral("퇴사자 (모든 부서에서 빠지고 사용자로 남음)");
+inline const QString kDirDnColumn = QStringLiteral("DN");
+inline const QString kDirForceCheck = QStringLiteral("퇴사자 한도를 넘어도 적용(&O)");
+inline const QString kDirApplyButton = QStringLiteral("조직도에 적용(&Y)");
+inline const QString kDirApplied
+    = QStringLiteral("적용했습니다: 추가 %1명, 수정 %2명, 퇴사 %3명. 저장(Ctrl+S)하면 데이터베이스에 기록됩니다.");
+inline const QString kDirMailQuestion = QStringLiteral("새 사용자 %1명에게 등록메일(설치파일)을 보내시겠습니까?");
+inline const QString kDirSaveSettings = QStringLiteral("설정 저장(&W)");
+inline const QString kDirSettingsSaved = QStringLiteral("설정을 저장했습니다.");
+inline const QString kDirSettingsNotSaved = QStringLiteral("설정을 저장하지 못했습니다.");
+inline const QString kDirClose = QStringLiteral("닫기");
+
 } // namespace sable::Msg

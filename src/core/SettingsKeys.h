@@ -82,4 +82,28 @@ inline const QString kLayoutLastView = QStringLiteral("LastView");
 inline const QString kLayoutSplitter = QStringLiteral("Splitter %1"); // the splitter's place, as "View2/Chart"
 inline const QString kLayoutColumns = QStringLiteral("Columns %1"); // a list's columns, as "View2/MemberList"
 
+// The directory sync: its own key below kSableManager. The bind password is kept as the mail and
+// supervisor passwords are.
+inline const QString kDirectorySync = QStringLiteral("SOFTWARE\\Halvex\\SableManager\\DirectorySync");
+inline const QString kDirUrl = QStringLiteral("URL");
+inline const QString kDirStartTls = QStringLiteral("StartTLS");
+inline const QString kDirCaFile = QStringLiteral("CACertificateFile");
+inline const QString kDirBindDn = QStringLiteral("BindDN");
+inline const QString kDirBindPassword = QStringLiteral("BindPassword");
+inline const QString kDirBaseDn = QStringLiteral("BaseDN");
+inline const QString kDirUserFilter = QStringLiteral("UserFilter");
+inline const QString kDirPageSize = QStringLiteral("PageSize");
+inline const QString kDirTimeout = QStringLiteral("TimeoutSeconds");
+inline const QString kDirUniqueIdAttribute = QStringLiteral("UniqueIdAttribute");
+inline const QString kDirDepartmentSource = QStringLiteral("DepartmentSource");
+inline const QString kDirDepartmentAttribute = QStringLiteral("DepartmentAttribute");
+inline const QString kDirRankAttribute = QStringLiteral("RankAttribute");
+inline const QString kDirLeaverRule = QStringLiteral("LeaverRule");
+inline const QString kDirLeaverFilter = QStringLiteral("LeaverFilter");
+inline const QString kDirLeaverThreshold = QStringLiteral("LeaverThresholdPercent");
+inline const QString kDirPasswordLength = QStringLiteral("PasswordLength");
+inline const QString kDirPasswordAlphabet = QStringLiteral("PasswordAlphabet");
+// "<field>Attribute" for the member fields that an attribute may feed, e.g. "LoginIdAttribute".
+inline const QString kDirFieldAttribute = QStringLiteral("%1Attribute");
+
 } // namespace sable::Keys

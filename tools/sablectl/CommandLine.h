@@ -84,5 +84,6 @@ int saveChart(Context& context, CSableManagerDoc& doc, bool bYes, bool bReplace 
 int printBytes(Context& context, const QByteArray& bytes);
 
 std::vector<Command> usersCommands();
+std::vector<Command> directoryCommands();
 
 } // namespace sable::ctl

@@ -12,8 +12,8 @@ namespace {
 std::vector<Command> allCommands()
 {
     std::vector<Command> all;
-    for (auto part :
-        {configCommands(), dbCommands(), chartCommands(), notifyCommands(), servicesCommands(), usersCommands()})
+    for (auto part : {configCommands(), dbCommands(), chartCommands(), notifyCommands(), servicesCommands(),
+             usersCommands(), directoryCommands()})
         all.insert(all.end(), part.begin(), part.end());
     return all;
 }

@@ -23,6 +23,7 @@ void CSableManagerDoc::adopt(ChartContents contents)
     m_chart.swapContents(*contents.chart);
     m_ranks = std::move(contents.ranks);
     m_fileBox = std::move(contents.fileBox);
+    m_directoryLinks = std::move(contents.directoryLinks);
     m_deletedMembers.clear();
     m_deletedGroups.clear();
     m_pendingUserData.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/ChartFingerprint.h"
+#include "directory/DirectoryLinks.h"
 #include "document/EditHistory.h"
 #include "filebox/FileBoxLists.h"
 #include "orgchart/ChartStore.h"
@@ -16,14 +17,15 @@ namespace sable {
 
 struct ChartTables;
 
-// Everything a load brings and a save writes: the chart, the ranks and the file-box lists; with
-// the fingerprint of the tables as the database held them when they were read (empty for contents
-// that come from elsewhere, such as a file).
+// Everything a load brings and a save writes: the chart, the ranks, the file-box lists and which
+// users the directory sync keeps; with the fingerprint of the tables as the database held them when
+// they were read (empty for contents that come from elsewhere, such as a file).
 struct ChartContents
 {
     std::unique_ptr<OrgChart> chart = std::make_unique<OrgChart>();
     RankList ranks;
     FileBoxLists fileBox;
+    DirectoryLinks directoryLinks;
     ChartFingerprint stored;
 };
 
@@ -54,6 +56,9 @@ public:
     const RankList& ranks() const { return m_ranks; }
     FileBoxLists& fileBox() { return m_fileBox; }
     const FileBoxLists& fileBox() const { return m_fileBox; }
+    // The users the directory sync keeps, and the entries they come from.
+    DirectoryLinks& directoryLinks() { return m_directoryLinks; }
+    const DirectoryLinks& directoryLinks() const { return m_directoryLinks; }
 
     // Members and departments deleted since the last save, whose data the save's cascade removes.
     QList<int>& deletedMembers() { return m_deletedMembers; }
@@ -106,6 +111,7 @@ private:
     OrgChart m_chart;
     RankList m_ranks;
     FileBoxLists m_fileBox;
+    DirectoryLinks m_directoryLinks;
     QList<int> m_deletedMembers;
     QList<int> m_deletedGroups;
     bool m_bModified = false;

@@ -3,6 +3,7 @@
 #include "Messages.h"
 #include "db/DbConnection.h"
 #include "document/ChartTables.h"
+#include "directory/DirectoryLinkStore.h"
 #include "filebox/FileBoxStore.h"
 #include "orgchart/ChartBuilder.h"
 #include "orgchart/ChartStore.h"
@@ -187,6 +188,8 @@ ChartReader::Result ChartReader::read(
     if (!FileBoxStore::load(connection, result.contents.fileBox))
         return fail(Outcome::ReadFailed);
     addSmallTables(result.contents);
+    if (!DirectoryLinkStore::load(connection, result.contents.directoryLinks))
+        return fail(Outcome::ReadFailed);
     connection.close();
     if (stoppedBetweenPhases())
         return fail(Outcome::Stopped);

@@ -2,6 +2,7 @@
 
 #include "Messages.h"
 #include "SettingsKeys.h"
+#include "directory/DirectoryLinkStore.h"
 #include "document/CSableManagerDoc.h"
 #include "document/ChangeJournal.h"
 #include "document/ChartDiff.h"
@@ -160,7 +161,7 @@ bool ChartSave::writeTables(DbConnection& db, const CSableManagerDoc& doc, const
             deletedGroups << groupId;
     }
     return ChartStore::write(db, tables.groups, tables.members, tables.relations) && RankStore::store(db, tables.ranks)
-        && FileBoxStore::store(db, tables.fileBox)
+        && FileBoxStore::store(db, tables.fileBox) && DirectoryLinkStore::store(db, doc.directoryLinks(), doc.chart())
         && ChartStore::runDeletionCascade(db, doc.deletedMembers(), deletedGroups)
         && ChartStore::insertUserData(db, doc.pendingUserData());
 }

@@ -86,7 +86,8 @@ public:
     static std::optional<Balloon> checkUniqueLoginIds(const CSableManagerDoc& doc);
 
     // The table writes of a save, inside the caller's transaction: the chart, the ranks, the file-box
-    // lists, the deletion cascade and the per-user rows a restore puts back.
+    // lists, the users the directory sync keeps, the deletion cascade and the per-user rows a restore
+    // puts back.
     static bool writeTables(DbConnection& db, const CSableManagerDoc& doc, const ChartTables& tables);
 
     // The tables a save locks and compares.

@@ -415,6 +415,31 @@ private:
     FolderRecord m_folder;
 };
 
+// --- Directory links -------------------------------------------------------------------------------------
+
+class ChangeDirectoryLinks final : public DocChange
+{
+public:
+    explicit ChangeDirectoryLinks(std::vector<DirectoryLinkChange> changes)
+        : m_changes(std::move(changes))
+    { }
+    // Each way swaps the links in and keeps the ones they replace, so a step of many users stores
+    // only what it changes.
+    void redo(CSableManagerDoc& doc) override
+    {
+        for (DirectoryLinkChange& change : m_changes)
+            change.link = doc.directoryLinks().set(change.memberId, std::move(change.link));
+    }
+    void undo(CSableManagerDoc& doc) override
+    {
+        for (auto change = m_changes.rbegin(); change != m_changes.rend(); ++change)
+            change->link = doc.directoryLinks().set(change->memberId, std::move(change->link));
+    }
+
+private:
+    std::vector<DirectoryLinkChange> m_changes;
+};
+
 } // namespace
 
 EditRecorder::EditRecorder(CSableManagerDoc& doc, QString description)
@@ -539,6 +564,12 @@ void EditRecorder::setAuthority(std::vector<AuthorityRecord>& list, int folderId
 void EditRecorder::addFolder(const FolderRecord& folder)
 {
     apply(std::make_unique<AddFolder>(folder));
+}
+
+void EditRecorder::changeDirectoryLinks(std::vector<DirectoryLinkChange> changes)
+{
+    if (!changes.empty())
+        apply(std::make_unique<ChangeDirectoryLinks>(std::move(changes)));
 }
 
 void EditRecorder::setModified(bool modified)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "directory/DirectoryLinks.h"
 #include "document/EditHistory.h"
 #include "filebox/FileBoxLists.h"
 #include "orgchart/MemberRecord.h"
@@ -54,6 +55,9 @@ public:
     void removeAuthorities(std::vector<AuthorityRecord>& list, const std::vector<int>& indexes);
     void setAuthority(std::vector<AuthorityRecord>& list, int folderId, int grantee, int level);
     void addFolder(const FolderRecord& folder);
+
+    // Links and unlinks users and directory entries, in order (one change, however many).
+    void changeDirectoryLinks(std::vector<DirectoryLinkChange> changes);
 
     void setModified(bool modified);
     bool hasChanges() const { return !m_step->changes.empty(); }

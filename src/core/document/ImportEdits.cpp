@@ -75,20 +75,52 @@ void placeMembers(EditRecorder& edit, const ImportPreview& preview, const std::v
     }
 }
 
+// The places that rows give up, and every place of the leavers.
+int removePlacements(EditRecorder& edit, const ImportPreview& preview)
+{
+    const OrgChart& chart = edit.doc().chart();
+    int removed = 0;
+    for (const ImportRow& row : preview.rows()) {
+        if (!row.isApplied())
+            continue;
+        for (const OrgNode* department : row.removals) {
+            if (OrgNode* placement = chart.placementIn(department, row.member.K_MemberID)) {
+                edit.removeNode(placement);
+                ++removed;
+            }
+        }
+    }
+    for (const ImportLeaver& leaver : preview.leavers()) {
+        // A copy: every removal changes the list.
+        const std::vector<OrgNode*> placements = chart.placementsOf(chart.member(leaver.memberRow).K_MemberID);
+        for (OrgNode* placement : placements)
+            edit.removeNode(placement);
+    }
+    return removed;
+}
+
 } // namespace
+
+ImportResult record(EditRecorder& edit, const ImportPreview& preview)
+{
+    ImportResult result;
+    result.added = preview.count(Fate::New);
+    result.updated = preview.count(Fate::Update);
+    result.leavers = static_cast<int>(preview.leavers().size());
+    result.removed = removePlacements(edit, preview);
+    result.ranks = addRanks(edit, preview.ranks());
+    const std::vector<OrgNode*> departments = addDepartments(edit, preview.departments(), &result.departments);
+    addMembers(edit, preview);
+    placeMembers(edit, preview, departments);
+    return result;
+}
 
 std::optional<ImportResult> apply(CSableManagerDoc& doc, const ImportPreview& preview)
 {
     if (!preview.hasChanges() || !preview.isCurrent(doc.chart(), doc.ranks()))
         return std::nullopt;
-    ImportResult result;
-    result.added = preview.count(Fate::New);
-    result.updated = preview.count(Fate::Update);
-    EditRecorder edit(doc, Msg::kStepImportUsers.arg(result.added).arg(result.updated));
-    result.ranks = addRanks(edit, preview.ranks());
-    const std::vector<OrgNode*> departments = addDepartments(edit, preview.departments(), &result.departments);
-    addMembers(edit, preview);
-    placeMembers(edit, preview, departments);
+    EditRecorder edit(doc, Msg::kStepImportUsers.arg(preview.count(Fate::New)).arg(preview.count(Fate::Update)));
+    const ImportResult result = record(edit, preview);
     edit.setModified(true);
     return result;
 }

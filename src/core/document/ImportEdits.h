@@ -5,6 +5,7 @@
 namespace sable {
 
 class CSableManagerDoc;
+class EditRecorder;
 class ImportPreview;
 
 // What an import did.
@@ -14,6 +15,8 @@ struct ImportResult
     int updated = 0;
     int departments = 0; // created
     int ranks = 0; // added to the rank list
+    int removed = 0; // places in departments taken away from users who stay
+    int leavers = 0; // users taken out of every department
 };
 
 namespace ImportEdits {
@@ -25,6 +28,11 @@ namespace ImportEdits {
 // database before the chart is saved. nullopt, and nothing changed, when the preview has nothing to
 // apply or the document changed since the preview was made.
 std::optional<ImportResult> apply(CSableManagerDoc& doc, const ImportPreview& preview);
+
+// What apply() does, recorded into an edit under way, for a step that changes more than the
+// import (the directory sync also records which users it keeps). Places that rows and leavers give
+// up are taken away before new ones are made. The preview must be current.
+ImportResult record(EditRecorder& edit, const ImportPreview& preview);
 
 } // namespace ImportEdits
 } // namespace sable

@@ -47,17 +47,6 @@ Choice readChoice(int column, const QString& cell)
     return Choice::Invalid;
 }
 
-MemberRecord newMemberDefaults()
-{
-    // As a user typed into the entry row starts: "남자", "공개", "양력", "있음".
-    MemberRecord member;
-    member.Gender = 0;
-    member.bPublic = true;
-    member.bSolar = true;
-    member.bAdmin = true;
-    return member;
-}
-
 } // namespace
 
 QString ImportRefusal::describe() const
@@ -126,7 +115,7 @@ private:
         row.line = record.line;
         const QString id = cell(record, ColMemberID);
         row.memberRow = m_rowById.value(id.toCaseFolded(), -1);
-        row.member = row.memberRow >= 0 ? m_chart.member(row.memberRow) : newMemberDefaults();
+        row.member = row.memberRow >= 0 ? m_chart.member(row.memberRow) : ImportPreview::newMember();
         readMemberFields(record, row);
         if (row.memberRow >= 0)
             row.member.MemberID = m_chart.member(row.memberRow).MemberID; // the user keeps the ID's spelling
@@ -261,17 +250,7 @@ private:
         }
     }
 
-    // New users, departments and ranks take the identifiers that adding them one by one would give.
-    void number()
-    {
-        m_preview.m_departments.numberNew(m_chart.nextGroupId());
-        m_preview.m_ranks.numberNew(m_ranks.nextRankId());
-        int next = m_chart.nextMemberId();
-        for (ImportRow& row : m_preview.m_rows) {
-            if (row.fate == Fate::New)
-                row.member.K_MemberID = next++;
-        }
-    }
+    void number() { m_preview.finish(m_chart, m_ranks); }
 
     const OrgChart& m_chart;
     const RankList& m_ranks;
@@ -296,6 +275,46 @@ ImportPreview ImportPreview::make(const OrgChart& chart, const RankList& ranks, 
     ImportPreview preview(chart, ranks, mode);
     PreviewBuilder(chart, ranks, table, mapping, preview).run();
     return preview;
+}
+
+MemberRecord ImportPreview::newMember()
+{
+    // As a user typed into the entry row starts: "남자", "공개", "양력", "있음".
+    MemberRecord member;
+    member.Gender = 0;
+    member.bPublic = true;
+    member.bSolar = true;
+    member.bAdmin = true;
+    return member;
+}
+
+ImportPreview ImportPreview::begin(const OrgChart& chart, const RankList& ranks, ImportMode mode)
+{
+    return ImportPreview(chart, ranks, mode);
+}
+
+void ImportPreview::addRow(ImportRow row)
+{
+    ++m_counts[static_cast<size_t>(row.fate)];
+    if (row.isApplied()) {
+        for (const ImportPlacement& placement : row.placements) {
+            m_departments.markUsed(placement.department);
+            m_ranks.markUsed(placement.rank);
+        }
+        m_removals += static_cast<int>(row.removals.size());
+    }
+    m_rows.push_back(std::move(row));
+}
+
+void ImportPreview::finish(const OrgChart& chart, const RankList& ranks)
+{
+    m_departments.numberNew(chart.nextGroupId());
+    m_ranks.numberNew(ranks.nextRankId());
+    int next = chart.nextMemberId();
+    for (ImportRow& row : m_rows) {
+        if (row.fate == ImportRow::Fate::New)
+            row.member.K_MemberID = next++;
+    }
 }
 
 QStringList ImportPreview::newDepartmentPaths() const

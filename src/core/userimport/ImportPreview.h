@@ -11,6 +11,7 @@
 namespace sable {
 
 class OrgChart;
+class OrgNode;
 class RankList;
 
 enum class ImportMode
@@ -49,13 +50,28 @@ struct ImportRow
     };
 
     int line = 0; // where the record begins in the file
+    QString origin; // where the row comes from when it is not a line of a file (a directory entry's DN)
     Fate fate = Fate::Refused;
     int memberRow = -1; // the member list row of the user with this ID, -1 for none
     MemberRecord member; // the user as the import leaves it (a new one numbered already)
     std::vector<ImportPlacement> placements;
+    std::vector<OrgNode*> removals; // departments the user leaves (only a source that keeps whole users)
     std::vector<ImportRefusal> refusals;
 
     bool isApplied() const { return fate == Fate::New || fate == Fate::Update; }
+};
+
+// A user the source no longer has: taken out of every department, kept as a user.
+struct ImportLeaver
+{
+    enum class Why
+    {
+        Gone, // no longer in the source
+        Disabled, // still there, marked as no longer active
+    };
+    int memberRow = -1;
+    Why why = Why::Gone;
+    QString origin; // where the user came from (the DN as last seen)
 };
 
 // What importing a file would do to the document, row by row, before anything changes: every row's
@@ -71,11 +87,19 @@ class ImportPreview
 public:
     static ImportPreview make(const OrgChart& chart, const RankList& ranks, const ImportTable& table,
         const ColumnMapping& mapping, ImportMode mode);
+    // A new user before the source's values: as a user typed into the entry row starts.
+    static MemberRecord newMember();
 
     ImportMode mode() const { return m_mode; }
     const std::vector<ImportRow>& rows() const { return m_rows; }
     int count(ImportRow::Fate fate) const { return m_counts[static_cast<size_t>(fate)]; }
-    bool hasChanges() const { return count(ImportRow::Fate::New) + count(ImportRow::Fate::Update) > 0; }
+    bool hasChanges() const
+    {
+        return count(ImportRow::Fate::New) + count(ImportRow::Fate::Update) > 0 || !m_leavers.empty();
+    }
+    // Users taken out of every department, and how many places in departments the rows take away.
+    const std::vector<ImportLeaver>& leavers() const { return m_leavers; }
+    int removalCount() const { return m_removals; }
 
     const DepartmentTargets& departments() const { return m_departments; }
     const RankTargets& ranks() const { return m_ranks; }
@@ -86,6 +110,16 @@ public:
     // Whether the chart and the ranks are still as they were when the preview was made (the preview
     // refers into them).
     bool isCurrent(const OrgChart& chart, const RankList& ranks) const;
+
+    // A preview of another source than a file (the directory sync): begin(), the rows in order with
+    // their places resolved through departmentTargets() and rankTargets(), the leavers, finish().
+    static ImportPreview begin(const OrgChart& chart, const RankList& ranks, ImportMode mode);
+    DepartmentTargets& departmentTargets() { return m_departments; }
+    RankTargets& rankTargets() { return m_ranks; }
+    void addRow(ImportRow row);
+    void addLeaver(ImportLeaver leaver) { m_leavers.push_back(std::move(leaver)); }
+    // New users, departments and ranks take the identifiers that adding them one by one would give.
+    void finish(const OrgChart& chart, const RankList& ranks);
 
 private:
     friend class PreviewBuilder;
@@ -104,7 +138,9 @@ private:
     ImportMode m_mode;
     Fingerprint m_fingerprint;
     std::vector<ImportRow> m_rows;
+    std::vector<ImportLeaver> m_leavers;
     std::array<int, 4> m_counts {};
+    int m_removals = 0;
     DepartmentTargets m_departments;
     RankTargets m_ranks;
 };

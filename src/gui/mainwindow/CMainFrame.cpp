@@ -1,6 +1,7 @@
 #include "mainwindow/CMainFrame.h"
 
 #include "Messages.h"
+#include "directory/DirectorySyncDialog.h"
 #include "document/CReadDBThread.h"
 #include "document/ChartDiff.h"
 #include "document/ChartMerge.h"
@@ -295,6 +296,14 @@ void CMainFrame::exportUsers()
     QString problem;
     if (!path.isEmpty() && !UserExport::writeFile(m_doc.chart(), m_doc.ranks(), path, &problem))
         m_prompter.warn(this, problem);
+}
+
+void CMainFrame::syncDirectory()
+{
+    DirectorySyncDialog dialog(m_doc, m_config.registry(), m_prompter, this);
+    dialog.exec();
+    if (!dialog.mailRecipients().isEmpty())
+        showRegistrationMail(dialog.mailRecipients());
 }
 
 void CMainFrame::moveSelection(bool bUp)

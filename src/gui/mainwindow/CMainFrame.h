@@ -116,6 +116,7 @@ private:
     void changeDatabase();
     void importUsers();
     void exportUsers();
+    void syncDirectory();
     void moveSelection(bool bUp);
     void showAbout();
     void openFileBoxSettings();

@@ -9,6 +9,7 @@ constexpr int kRegistrationMail = 32803;
 constexpr int kPreviousVersionData = 32817;
 constexpr int kImportUsers = 32804;
 constexpr int kExportUsers = 32826; // the member list as a file that the import reads back
+constexpr int kDirectorySync = 32860; // the chart kept from an LDAP or Active Directory server (32860-32869)
 constexpr int kSave = 32781;
 constexpr int kExit = 57665;
 // 편집

@@ -88,6 +88,13 @@ void CMainFrame::declareFileCommands()
         .toolTip = Msg::kTipExportUsers,
         .statusTip = Msg::kPromptExportUsers,
         .run = [this] { exportUsers(); }});
+    m_commands.add({.id = Cmd::kDirectorySync,
+        .menu = file,
+        .text = Msg::kCmdDirectorySync,
+        .toolTip = Msg::kTipDirectorySync,
+        .statusTip = Msg::kPromptDirectorySync,
+        .run = [this] { syncDirectory(); },
+        .isEnabled = [this] { return m_bChartLoaded; }});
     m_commands.add({.id = Cmd::kSave,
         .menu = file,
         .text = Msg::kCmdSave,
