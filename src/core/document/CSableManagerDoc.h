@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/ChartFingerprint.h"
 #include "directory/DirectoryLinks.h"
+#include "document/ChartFingerprint.h"
 #include "document/EditHistory.h"
 #include "filebox/FileBoxLists.h"
 #include "orgchart/ChartStore.h"

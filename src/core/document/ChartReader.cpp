@@ -2,8 +2,8 @@
 
 #include "Messages.h"
 #include "db/DbConnection.h"
-#include "document/ChartTables.h"
 #include "directory/DirectoryLinkStore.h"
+#include "document/ChartTables.h"
 #include "filebox/FileBoxStore.h"
 #include "orgchart/ChartBuilder.h"
 #include "orgchart/ChartStore.h"
