@@ -16,7 +16,8 @@ if [ "${2:-}" = --fix ]; then
 fi
 # Every file is checked, so one run names them all.
 if ! report=$("$formatter" --dry-run -Werror "${files[@]}" 2>&1); then
-    grep -o '^[^:]*\.\(cpp\|h\)' <<<"$report" | sort -u | sed 's/^/not formatted: /'
+    grep -oE '^[^:]+\.(cpp|h):[0-9]+:[0-9]+: (error|warning)' <<<"$report" | cut -d: -f1 | sort -u |
+        sed 's/^/not formatted: /'
     echo "To format them: cmake --build BUILD_FOLDER --target format"
     exit 1
 fi
