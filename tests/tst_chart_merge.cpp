@@ -34,6 +34,7 @@ ChartTables baseTables()
     t.fileBox.folders = {{1, QStringLiteral("\\공용")}, {2, QStringLiteral("\\영업")}};
     t.fileBox.groupAuthorities = {{1, 2, ReadWrite}};
     t.fileBox.userAuthorities = {{2, 11, Read}};
+    t.links.set(12, DirectoryLink {QStringLiteral("e12"), QStringLiteral("uid=park,ou=영업")});
     return t;
 }
 
@@ -112,6 +113,10 @@ QString probe(const ChartTables& t, const QString& what)
             names << kid.second;
         return names.join(u',');
     }
+    if (kind == QLatin1String("link")) {
+        const DirectoryLink* link = t.links.find(a);
+        return link ? link->entryId : QStringLiteral("-");
+    }
     if (kind == QLatin1String("ranks")) {
         QStringList names;
         for (const RankRecord& r : t.ranks.ranks())
@@ -154,6 +159,10 @@ QString danglingReference(const ChartTables& t)
     for (const AuthorityRecord& a : t.fileBox.userAuthorities) {
         if (!folders.contains(a.K_FolderID) || !members.contains(a.grantee))
             return QStringLiteral("user permission %1/%2").arg(a.K_FolderID).arg(a.grantee);
+    }
+    for (const int memberId : t.links.all().keys()) {
+        if (!members.contains(memberId))
+            return QStringLiteral("directory link of %1").arg(memberId);
     }
     return {};
 }
@@ -306,6 +315,24 @@ const std::vector<Case>& cases()
                 t.ranks.insert(3, {4, QStringLiteral("고문")});
             },
             "", "ranks=1:부장,2:과장,3:사원,4:고문,5:인턴", "ranks=1:부장,2:과장,3:사원,4:고문,5:인턴"},
+        {"users linked to the directory on each side",
+            [](ChartTables& t) {
+                t.links.set(10, DirectoryLink {QStringLiteral("e10"), QStringLiteral("uid=kim")});
+            },
+            [](ChartTables& t) {
+                t.links.set(11, DirectoryLink {QStringLiteral("e11"), QStringLiteral("uid=lee")});
+            },
+            "", "link10=e10|link11=e11|link12=e12", "link10=e10|link11=e11"},
+        {"a link follows its user, removed there",
+            [](ChartTables& t) {
+                t.links.set(12, DirectoryLink {QStringLiteral("e12"), QStringLiteral("uid=park,ou=개발")});
+            },
+            [](ChartTables& t) {
+                std::erase_if(t.members, [](const MemberRecord& m) { return m.K_MemberID == 12; });
+                std::erase_if(t.relations, [](const RelationRow& r) { return r.K_MemberID == 12; });
+                t.links.set(12, std::nullopt);
+            },
+            "", "m12=-|link12=-", "m12=-|link12=-"},
         {"permission level changed on both sides", [](ChartTables& t) { t.fileBox.groupAuthorities[0].level = Read; },
             [](ChartTables& t) { t.fileBox.groupAuthorities[0].level = NoAccess; }, "\\공용: 영업부:both", "ga1/2=1",
             "ga1/2=0"},

@@ -40,6 +40,7 @@ void CSableManagerDoc::exchange(DocumentState& state)
     m_chart.swapContents(*state.contents.chart);
     std::swap(m_ranks, state.contents.ranks);
     std::swap(m_fileBox, state.contents.fileBox);
+    std::swap(m_directoryLinks, state.contents.directoryLinks);
     std::swap(m_base, state.base);
     std::swap(m_deletedMembers, state.deletedMembers);
     std::swap(m_deletedGroups, state.deletedGroups);
@@ -62,7 +63,7 @@ void CSableManagerDoc::markSaved(ChartFingerprint written)
 
 ChartTables CSableManagerDoc::tables() const
 {
-    return ChartTables::of(m_chart, m_ranks, m_fileBox);
+    return ChartTables::of(m_chart, m_ranks, m_fileBox, m_directoryLinks);
 }
 
 ChartFingerprint::Summary CSableManagerDoc::unsavedChanges() const

@@ -77,6 +77,8 @@ QString ChartNames::row(ChartTable table, ChartFingerprint::Key key) const
         return Msg::kAuthorityName.arg(folder(ChartFingerprint::high(key)), group(ChartFingerprint::low(key)));
     case ChartTable::UserAuthorities:
         return Msg::kAuthorityName.arg(folder(ChartFingerprint::high(key)), member(ChartFingerprint::low(key)));
+    case ChartTable::DirectoryLinks:
+        return member(id);
     }
     return {};
 }
@@ -96,6 +98,8 @@ QString ChartNames::field(ChartTable table, int field)
         return field == ChartFields::RankName ? Msg::kFieldName : Msg::kFieldOrder;
     case ChartTable::Folders:
         return Msg::kFieldPath;
+    case ChartTable::DirectoryLinks:
+        return field == ChartFields::LinkEntry ? Msg::kFieldEntry : Msg::kFieldDn;
     case ChartTable::GroupAuthorities:
     case ChartTable::UserAuthorities:
         break;
@@ -105,8 +109,9 @@ QString ChartNames::field(ChartTable table, int field)
 
 QString ChartNames::table(ChartTable table)
 {
-    const QString names[kChartTableCount] = {Msg::kTableGroups, Msg::kTableMembers, Msg::kTableRelations,
-        Msg::kTableRanks, Msg::kTableFolders, Msg::kTableGroupAuthorities, Msg::kTableUserAuthorities};
+    const QString names[kChartTableCount]
+        = {Msg::kTableGroups, Msg::kTableMembers, Msg::kTableRelations, Msg::kTableRanks, Msg::kTableFolders,
+            Msg::kTableGroupAuthorities, Msg::kTableUserAuthorities, Msg::kTableDirectoryLinks};
     return names[static_cast<int>(table)];
 }
 
@@ -141,6 +146,9 @@ void describe(RowChange& change, const ChartNames& names)
         break;
     case ChartTable::UserAuthorities:
         change.loginId = names.loginId(ChartFingerprint::low(key));
+        break;
+    case ChartTable::DirectoryLinks:
+        change.loginId = names.loginId(static_cast<int>(key));
         break;
     case ChartTable::Ranks:
     case ChartTable::Folders:

@@ -50,6 +50,8 @@ int ChartFields::count(ChartTable table)
         return RankFieldCount;
     case ChartTable::Folders:
         return kFolderFieldCount;
+    case ChartTable::DirectoryLinks:
+        return LinkFieldCount;
     case ChartTable::GroupAuthorities:
     case ChartTable::UserAuthorities:
         break;
@@ -101,6 +103,12 @@ void ChartFingerprint::printAuthority(const AuthorityRecord& row, qint64* out)
     out[0] = row.level;
 }
 
+void ChartFingerprint::printLink(const DirectoryLink& row, qint64* out)
+{
+    out[ChartFields::LinkEntry] = printText(row.entryId);
+    out[ChartFields::LinkDn] = printText(row.dn);
+}
+
 void ChartFingerprint::add(ChartTable table, Key key, const qint64* fields)
 {
     Table& t = m_tables[tableIndex(table)];
@@ -149,6 +157,10 @@ ChartFingerprint ChartFingerprint::of(const ChartTables& tables)
     for (const AuthorityRecord& row : tables.fileBox.userAuthorities) {
         printAuthority(row, fields);
         print.add(ChartTable::UserAuthorities, authorityKey(row.K_FolderID, row.grantee), fields);
+    }
+    for (auto it = tables.links.all().cbegin(); it != tables.links.all().cend(); ++it) {
+        printLink(it.value(), fields);
+        print.add(ChartTable::DirectoryLinks, it.key(), fields);
     }
     return print;
 }

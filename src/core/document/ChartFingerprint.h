@@ -15,6 +15,7 @@ struct RelationRow;
 struct RankRecord;
 struct FolderRecord;
 struct AuthorityRecord;
+struct DirectoryLink;
 
 // The tables a save writes, as the fingerprint and the merge name them.
 enum class ChartTable
@@ -26,8 +27,9 @@ enum class ChartTable
     Folders,
     GroupAuthorities,
     UserAuthorities,
+    DirectoryLinks, // the console's own: which users the directory sync keeps
 };
-constexpr int kChartTableCount = 7;
+constexpr int kChartTableCount = 8;
 
 // The fields of each table's rows, in the order the fingerprint keeps them.
 namespace ChartFields {
@@ -52,6 +54,12 @@ enum Rank
 };
 constexpr int kMemberFieldCount = 14; // the member list's columns, in their order (MemberColumn)
 constexpr int kFolderFieldCount = 1;
+enum Link
+{
+    LinkEntry,
+    LinkDn,
+    LinkFieldCount
+};
 constexpr int kAuthorityFieldCount = 1;
 
 int count(ChartTable table);
@@ -100,6 +108,7 @@ public:
     static void printRank(const RankRecord& row, int order, qint64* out);
     static void printFolder(const FolderRecord& row, qint64* out);
     static void printAuthority(const AuthorityRecord& row, qint64* out);
+    static void printLink(const DirectoryLink& row, qint64* out);
     static qint64 printText(const QString& text);
 
     // Adds one row; a second row of the same key folds into the first, so that it still counts.

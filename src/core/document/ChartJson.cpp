@@ -264,6 +264,17 @@ QByteArray write(const ChartTables& tables)
     }
     writeAuthorities(json, "groupAuthorities", "K_GroupID", tables.fileBox.groupAuthorities);
     writeAuthorities(json, "userAuthorities", "K_MemberID", tables.fileBox.userAuthorities);
+    json.beginArray("directoryLinks");
+    QList<int> linked = tables.links.all().keys();
+    std::sort(linked.begin(), linked.end());
+    for (const int memberId : linked) {
+        const DirectoryLink* link = tables.links.find(memberId);
+        json.beginRow();
+        json.field("K_MemberID", memberId);
+        json.field("EntryID", link->entryId);
+        json.field("EntryDN", link->dn);
+        json.endRow();
+    }
     return json.finish();
 }
 
@@ -297,7 +308,12 @@ std::optional<ChartTables> read(const QJsonObject& root, QString* error)
                 tables.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
             })
         && readAuthorities(root, "groupAuthorities", "K_GroupID", tables.fileBox.groupAuthorities, error)
-        && readAuthorities(root, "userAuthorities", "K_MemberID", tables.fileBox.userAuthorities, error);
+        && readAuthorities(root, "userAuthorities", "K_MemberID", tables.fileBox.userAuthorities, error)
+        // Files written before the directory sync have no links: none are kept.
+        && (!root.contains(QStringLiteral("directoryLinks"))
+            || forEachRow(root, "directoryLinks", error, [&](RowReader& row) {
+                   tables.links.set(row.number("K_MemberID"), DirectoryLink {row.text("EntryID"), row.text("EntryDN")});
+               }));
     if (!ok)
         return std::nullopt;
     return tables;

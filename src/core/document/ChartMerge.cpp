@@ -112,6 +112,41 @@ struct FolderTraits
     static QString text(const Row& row, int, const ChartNames&) { return row.FolderPath; }
 };
 
+struct LinkRow
+{
+    int memberId = 0;
+    DirectoryLink link;
+};
+
+struct LinkTraits
+{
+    using Row = LinkRow;
+    static constexpr ChartTable kTable = ChartTable::DirectoryLinks;
+    static constexpr int kReference = -1;
+    static Key key(const Row& row) { return row.memberId; }
+    static void print(const Row& row, qint64* out) { ChartFingerprint::printLink(row.link, out); }
+    static void copy(Row& to, const Row& from, int field)
+    {
+        if (field == ChartFields::LinkEntry)
+            to.link.entryId = from.link.entryId;
+        else
+            to.link.dn = from.link.dn;
+    }
+    static QString text(const Row& row, int field, const ChartNames&)
+    {
+        return field == ChartFields::LinkEntry ? row.link.entryId : row.link.dn;
+    }
+};
+
+std::vector<LinkRow> linkRows(const DirectoryLinks& links)
+{
+    std::vector<LinkRow> rows;
+    for (auto it = links.all().cbegin(); it != links.all().cend(); ++it)
+        rows.push_back({it.key(), it.value()});
+    std::sort(rows.begin(), rows.end(), [](const LinkRow& a, const LinkRow& b) { return a.memberId < b.memberId; });
+    return rows;
+}
+
 template <ChartTable T>
 struct AuthorityTraits
 {
@@ -152,6 +187,8 @@ struct Merged
 
 void keysOf(const ChartTables& tables, const std::vector<RankRow>& ranks, QSet<Key>* keys)
 {
+    for (auto it = tables.links.all().cbegin(); it != tables.links.all().cend(); ++it)
+        keys[static_cast<size_t>(ChartTable::DirectoryLinks)].insert(it.key());
     const auto index = [](ChartTable table) { return static_cast<size_t>(table); };
     for (const GroupRow& r : tables.groups)
         keys[index(ChartTable::Groups)].insert(GroupTraits::key(r));
@@ -181,6 +218,8 @@ public:
         , m_theirs(theirs)
         , m_mineRanks(rankRows(mine.ranks))
         , m_theirRanks(rankRows(theirs.ranks))
+        , m_mineLinks(linkRows(mine.links))
+        , m_theirLinks(linkRows(theirs.links))
         , m_names(mine, theirs)
         , m_conflicts(conflicts)
     {
@@ -214,6 +253,8 @@ private:
     const ChartTables& m_theirs;
     const std::vector<RankRow> m_mineRanks;
     const std::vector<RankRow> m_theirRanks;
+    const std::vector<LinkRow> m_mineLinks;
+    const std::vector<LinkRow> m_theirLinks;
     const ChartNames m_names;
     std::vector<MergeConflict>& m_conflicts;
     QSet<Key> m_mineKeys[kChartTableCount];
@@ -226,6 +267,7 @@ private:
     Merged<FolderTraits> m_folders;
     Merged<AuthorityTraits<ChartTable::GroupAuthorities>> m_groupAuthorities;
     Merged<AuthorityTraits<ChartTable::UserAuthorities>> m_userAuthorities;
+    Merged<LinkTraits> m_links;
     std::vector<Key> m_rankOrder;
 };
 
@@ -338,6 +380,12 @@ void ChartMerge::Engine::mergeRow(
     const std::vector<int>& keptChanges = mine ? mineChanged : theirChanged;
     if (keptChanges.empty())
         return;
+    if (table == ChartTable::DirectoryLinks) {
+        // A link follows its user, whose own fate is settled row by row; a changed link is no question.
+        out.rows.insert(key, *only);
+        out.introducedBy.insert(key, Side::Neither);
+        return;
+    }
     const bool bKeepMine = mine
         ? decide(table, key, Kind::ChangedHereRemovedThere, {}, describe(*mine, mineChanged), Msg::kMergeRemoved)
         : decide(table, key, Kind::RemovedHereChangedThere, {}, Msg::kMergeRemoved, describe(*theirs, theirChanged));
@@ -407,6 +455,10 @@ bool ChartMerge::Engine::restoreDependents()
         };
         authorities(m_groupAuthorities, source.fileBox.groupAuthorities, ChartTable::Groups, m_groups);
         authorities(m_userAuthorities, source.fileBox.userAuthorities, ChartTable::Members, m_members);
+        for (const LinkRow& link : side == Side::Mine ? m_theirLinks : m_mineLinks) {
+            bringBack(m_links, link, link.memberId,
+                m_members.rows.contains(link.memberId) && keptButRemovedBy(ChartTable::Members, link.memberId, side));
+        }
     }
     return bBack;
 }
@@ -438,6 +490,7 @@ bool ChartMerge::Engine::settleReference(ChartTable table, Key key, Side referre
     case ChartTable::Relations:
     case ChartTable::GroupAuthorities:
     case ChartTable::UserAuthorities:
+    case ChartTable::DirectoryLinks:
         break;
     }
     return false;
@@ -525,12 +578,16 @@ ChartTables ChartMerge::Engine::run(QStringList* dropped)
         m_mine.fileBox.groupAuthorities, m_theirs.fileBox.groupAuthorities, m_groupAuthorities);
     mergeTable<AuthorityTraits<ChartTable::UserAuthorities>>(
         m_mine.fileBox.userAuthorities, m_theirs.fileBox.userAuthorities, m_userAuthorities);
+    mergeTable<LinkTraits>(m_mineLinks, m_theirLinks, m_links);
     // A row brought back may bring back or refer to others: settle until nothing moves.
     for (int pass = 0; pass < 32; ++pass) {
         const bool bRestored = restoreDependents();
         if (!settleReferences(dropped) && !bRestored)
             break;
     }
+    // A link belongs to its user: with the user gone, there is nothing to keep from the directory.
+    for (auto it = m_links.rows.begin(); it != m_links.rows.end();)
+        it = m_members.rows.contains(it.key()) ? std::next(it) : m_links.rows.erase(it);
     MergeOrder::breakParentLoops(m_groups.rows, m_theirs.groups);
     orderChildren();
     return assemble();
@@ -579,6 +636,8 @@ ChartTables ChartMerge::Engine::assemble() const
         &AuthorityTraits<ChartTable::UserAuthorities>::key, out.fileBox.userAuthorities);
     for (const Key key : m_rankOrder)
         out.ranks.insert(out.ranks.count(), m_ranks.rows.value(key).rank);
+    for (auto it = m_links.rows.cbegin(); it != m_links.rows.cend(); ++it)
+        out.links.set(static_cast<int>(it.key()), it->link);
     out.orderGroups();
     return out;
 }

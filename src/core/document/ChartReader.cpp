@@ -144,8 +144,9 @@ void addSmallTables(ChartContents& contents)
     small.ranks = contents.ranks;
     small.fileBox = contents.fileBox;
     const ChartFingerprint print = ChartFingerprint::of(small);
-    for (const ChartTable table :
-        {ChartTable::Ranks, ChartTable::Folders, ChartTable::GroupAuthorities, ChartTable::UserAuthorities}) {
+    small.links = contents.directoryLinks;
+    for (const ChartTable table : {ChartTable::Ranks, ChartTable::Folders, ChartTable::GroupAuthorities,
+             ChartTable::UserAuthorities, ChartTable::DirectoryLinks}) {
         print.forEachKey(
             table, [&](ChartFingerprint::Key key) { contents.stored.add(table, key, print.row(table, key)); });
     }

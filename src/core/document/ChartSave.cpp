@@ -161,7 +161,7 @@ bool ChartSave::writeTables(DbConnection& db, const CSableManagerDoc& doc, const
             deletedGroups << groupId;
     }
     return ChartStore::write(db, tables.groups, tables.members, tables.relations) && RankStore::store(db, tables.ranks)
-        && FileBoxStore::store(db, tables.fileBox) && DirectoryLinkStore::store(db, doc.directoryLinks(), doc.chart())
+        && FileBoxStore::store(db, tables.fileBox) && DirectoryLinkStore::store(db, tables.links, doc.chart())
         && ChartStore::runDeletionCascade(db, doc.deletedMembers(), deletedGroups)
         && ChartStore::insertUserData(db, doc.pendingUserData());
 }

@@ -1,6 +1,7 @@
 #include "document/ChartTables.h"
 
 #include "db/DbConnection.h"
+#include "directory/DirectoryLinkStore.h"
 #include "document/CSableManagerDoc.h"
 #include "filebox/FileBoxStore.h"
 #include "orgchart/ChartBuilder.h"
@@ -27,7 +28,8 @@ bool readAll(DbConnection& connection, const QString& sql, std::vector<Row>& row
 
 } // namespace
 
-ChartTables ChartTables::of(const OrgChart& chart, const RankList& ranks, const FileBoxLists& fileBox)
+ChartTables ChartTables::of(
+    const OrgChart& chart, const RankList& ranks, const FileBoxLists& fileBox, const DirectoryLinks& links)
 {
     ChartTables tables;
     tables.groups = ChartRows::groups(chart);
@@ -35,6 +37,11 @@ ChartTables ChartTables::of(const OrgChart& chart, const RankList& ranks, const 
     tables.relations = ChartRows::relations(chart);
     tables.ranks = ranks;
     tables.fileBox = fileBox;
+    // A link outlives its user only until the save: what is saved are the links of users there are.
+    for (auto it = links.all().cbegin(); it != links.all().cend(); ++it) {
+        if (chart.findMember(it.key()))
+            tables.links.set(it.key(), it.value());
+    }
     tables.orderGroups();
     return tables;
 }
@@ -45,7 +52,8 @@ std::optional<ChartTables> ChartTables::read(DbConnection& connection)
     const bool ok = readAll(connection, ChartStore::membersQuery(), tables.members, &ChartStore::memberAt)
         && readAll(connection, ChartStore::groupsQuery(), tables.groups, &ChartStore::groupAt)
         && readAll(connection, ChartStore::relationsQuery(), tables.relations, &ChartStore::relationAt)
-        && RankStore::load(connection, tables.ranks) && FileBoxStore::load(connection, tables.fileBox);
+        && RankStore::load(connection, tables.ranks) && FileBoxStore::load(connection, tables.fileBox)
+        && DirectoryLinkStore::load(connection, tables.links);
     if (!ok)
         return std::nullopt;
     return tables;
@@ -64,6 +72,7 @@ ChartContents ChartTables::toContents() const
     builder.finish();
     contents.ranks = ranks;
     contents.fileBox = fileBox;
+    contents.directoryLinks = links;
     return contents;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "directory/DirectoryLinks.h"
 #include "filebox/FileBoxLists.h"
 #include "orgchart/ChartRows.h"
 #include "orgchart/RankList.h"
@@ -24,9 +25,11 @@ struct ChartTables
     std::vector<RelationRow> relations;
     RankList ranks; // in rank order
     FileBoxLists fileBox;
+    DirectoryLinks links; // of users the chart has
 
     // What a save of these contents writes now.
-    static ChartTables of(const OrgChart& chart, const RankList& ranks, const FileBoxLists& fileBox);
+    static ChartTables of(
+        const OrgChart& chart, const RankList& ranks, const FileBoxLists& fileBox, const DirectoryLinks& links);
 
     // Every row the database holds, read as a load reads them; nullopt when a statement failed (the
     // connection's last error says why).

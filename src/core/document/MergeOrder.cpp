@@ -246,6 +246,10 @@ void renumber(ChartTables& tables, const QHash<int, int>& groups, const QHash<in
     tables.ranks = renumbered;
     for (FolderRecord& f : tables.fileBox.folders)
         f.K_FolderID = moved(folders, f.K_FolderID);
+    DirectoryLinks links;
+    for (auto it = tables.links.all().cbegin(); it != tables.links.all().cend(); ++it)
+        links.set(moved(members, it.key()), it.value());
+    tables.links = links;
     for (AuthorityRecord& a : tables.fileBox.groupAuthorities) {
         a.K_FolderID = moved(folders, a.K_FolderID);
         a.grantee = moved(groups, a.grantee);
