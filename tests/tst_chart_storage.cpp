@@ -126,6 +126,8 @@ private Q_SLOTS:
     void stopDuringLoad_data();
     void stopDuringLoad();
     void loadFailures();
+    void loadProblemsAreTold_data();
+    void loadProblemsAreTold();
     void saveChecksAndServices();
 
 private:
@@ -459,6 +461,54 @@ void TestChartStorage::loadFailures()
     QVERIFY(result.errorText.contains(QLatin1String("SB_Folder")));
     QCOMPARE(result.contents.chart->memberCount(), 1);
     QCOMPARE(result.contents.chart->groupCount(), 1);
+}
+
+void TestChartStorage::loadProblemsAreTold_data()
+{
+    QTest::addColumn<QString>("statement");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("memberships"); // SD_Relation rows after the next save, -1: not looked at
+    QTest::newRow("membership of a department not in the table")
+        << relation(2, 99, -1, 1) << int(LoadProblems::MembershipOfUnknownDepartment) << 2;
+    QTest::newRow("membership of a user not in the table")
+        << relation(9, 1, -1, 3) << int(LoadProblems::MembershipOfUnknownUser) << 2;
+    QTest::newRow("department whose parent is gone")
+        << group(5, "떨어진팀", 77, 1, 1) << int(LoadProblems::DepartmentWithoutParent) << 2;
+    QTest::newRow("two departments under one number")
+        << group(1, "또 본사", -1, 2, 0) << int(LoadProblems::DuplicateDepartmentId) << -1;
+    QTest::newRow("two users under one number")
+        << QStringLiteral("INSERT INTO SD_Member (K_MemberID,MemberID,MemberName,Passwd) VALUES (2,'other','X','pw')")
+        << int(LoadProblems::DuplicateUserId) << -1;
+    QTest::newRow("two users with one login ID in other letter case")
+        << QStringLiteral("INSERT INTO SD_Member (K_MemberID,MemberID,MemberName,Passwd) VALUES (7,'U1','X','pw')")
+        << int(LoadProblems::DuplicateLoginId) << -1;
+}
+
+void TestChartStorage::loadProblemsAreTold()
+{
+    QFETCH(QString, statement);
+    QFETCH(int, kind);
+    QFETCH(int, memberships);
+    const QString db = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    QVERIFY(run(db,
+        {member(1), member(2), group(1, "본사", -1, 1, 0), relation(1, 1, -1, 1), relation(2, 1, -1, 2), statement}));
+    ChartReader::Result result = load(db);
+    QCOMPARE(result.outcome, ChartReader::Outcome::Loaded);
+    for (int k = 0; k < LoadProblems::KindCount; ++k)
+        QCOMPARE(result.problems.counts[static_cast<size_t>(k)], k == kind ? 1 : 0);
+    QVERIFY(!ChartReader::describe(result.problems).isEmpty());
+    if (memberships < 0)
+        return;
+    // What the message says of the next save holds: the rows it cannot place are saved as shown.
+    CSableManagerDoc doc;
+    doc.adopt(std::move(result.contents));
+    doc.setModified(true);
+    QCOMPARE(ChartSave::run(doc, IniFile(m_home.path(QStringLiteral("problems.ini"))), saveWith(db)),
+        ChartSave::Outcome::Saved);
+    QCOMPARE(load(db).problems.total(), 0);
+    DbConnection connection;
+    QVERIFY(connection.open(db));
+    QCOMPARE(connection.execute(QStringLiteral("SELECT COUNT(*) FROM SD_Relation")).fieldInt(0), memberships);
 }
 
 void TestChartStorage::saveChecksAndServices()

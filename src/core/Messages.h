@@ -534,6 +534,20 @@ inline const QString kAuthorityName = QStringLiteral("%1: %2");
 inline const QString kUnknownRow = QStringLiteral("#%1");
 inline const QString kTopLevel = QStringLiteral("(최상위)");
 inline const QString kJournalAdded = QStringLiteral("추가");
+inline const QString kProblemsHeading
+    = QStringLiteral("조직도를 읽었지만 표에 있는 그대로 둘 수 없는 것이 %1개 있습니다.");
+inline const QString kProblemUnknownDepartment
+    = QStringLiteral("- 없는 부서의 소속 %1개 (사용자/부서: %2): 보이지 않으며, 다음 저장에서 지워집니다.");
+inline const QString kProblemUnknownUser
+    = QStringLiteral("- 없는 사용자의 소속 %1개 (사용자/부서: %2): 보이지 않으며, 다음 저장에서 지워집니다.");
+inline const QString kProblemNoParent
+    = QStringLiteral("- 상위 부서가 없는 부서 %1개 (%2): 최상위에 두었고, 다음 저장에서 최상위 부서로 저장됩니다.");
+inline const QString kProblemDuplicateDepartment = QStringLiteral(
+    "- 번호가 겹치는 부서 %1개 (%2): 둘 다 보이며 다음 저장에서도 그대로 쓰입니다. 하나를 지우고 다시 만드세요.");
+inline const QString kProblemDuplicateUser = QStringLiteral(
+    "- 번호가 겹치는 사용자 %1명 (%2): 둘 다 보이며 다음 저장에서도 그대로 쓰입니다. 하나를 지우고 다시 만드세요.");
+inline const QString kProblemDuplicateLogin
+    = QStringLiteral("- 아이디가 겹치는 사용자 %1명 (%2): 한쪽 아이디를 바꾸기 전에는 저장할 수 없습니다.");
 inline const QString kStepMerge = QStringLiteral("다른 곳의 저장과 합치기");
 inline const QString kChangeTableColumn = QStringLiteral("구분");
 inline const QString kChangeNameColumn = QStringLiteral("이름");

@@ -83,7 +83,7 @@ bool askOnTerminal(Context& context, const QString& question)
     return answer[0] == 'y' || answer[0] == 'Y';
 }
 
-bool loadChart(Context& context, CSableManagerDoc& doc)
+bool loadChart(Context& context, CSableManagerDoc& doc, LoadProblems* problems)
 {
     context.config.read();
     QuietProgress progress;
@@ -93,6 +93,10 @@ bool loadChart(Context& context, CSableManagerDoc& doc)
         context.fail(ChartReader::message(result.outcome) + u'\n' + result.errorText);
         return false;
     }
+    if (problems)
+        *problems = result.problems;
+    else if (result.problems.any())
+        context.err << "sablectl: " << ChartReader::describe(result.problems) << Qt::endl;
     doc.adopt(std::move(result.contents));
     return true;
 }

@@ -61,6 +61,7 @@ std::vector<Command> servicesCommands();
 namespace sable {
 class CSableManagerDoc;
 class DbConnection;
+struct LoadProblems;
 } // namespace sable
 
 namespace sable::ctl {
@@ -69,8 +70,9 @@ namespace sable::ctl {
 std::function<DbConnection()> connector(Context& context);
 // Asks on the terminal; true for an answer that begins with y.
 bool askOnTerminal(Context& context, const QString& question);
-// Reads the chart, the ranks and the file-box lists into `doc`; false after saying why.
-bool loadChart(Context& context, CSableManagerDoc& doc);
+// Reads the chart, the ranks and the file-box lists into `doc`; false after saying why. What the
+// chart could not place goes to `problems`, or, without it, to stderr.
+bool loadChart(Context& context, CSableManagerDoc& doc, LoadProblems* problems = nullptr);
 // The server's services as the registry's "ServiceManager" says they are run.
 std::unique_ptr<ServerServiceControl> openServiceControl(Context& context);
 

@@ -1,5 +1,7 @@
 #include "CommandLine.h"
 #include "db/DbSchema.h"
+#include "document/CSableManagerDoc.h"
+#include "document/ChartReader.h"
 #include "document/DemoOrganisation.h"
 #include "server/ServerDatabase.h"
 #include "server/StartupSteps.h"
@@ -95,11 +97,32 @@ int initDatabase(Context& context, QStringList args)
     return kSuccess;
 }
 
+// Reads the chart as the console does and says what it could not place; 1 when there is anything.
+int checkChart(Context& context, QStringList args)
+{
+    if (!args.isEmpty())
+        return kUsage;
+    CSableManagerDoc doc;
+    LoadProblems problems;
+    if (!loadChart(context, doc, &problems))
+        return kFailure;
+    if (!problems.any()) {
+        context.out << "the chart reads as it is stored: " << doc.chart().memberCount() << " users, "
+                    << doc.chart().groupCount() << " departments" << Qt::endl;
+        return kSuccess;
+    }
+    context.out << ChartReader::describe(problems) << Qt::endl;
+    return kFailure;
+}
+
 } // namespace
 
 std::vector<Command> dbCommands()
 {
     return {
+        {{QStringLiteral("db"), QStringLiteral("check")}, QStringLiteral("db check"),
+            QStringLiteral("read the chart and report what it cannot place (exit 1 when there is anything)"),
+            checkChart},
         {{QStringLiteral("db"), QStringLiteral("info")}, QStringLiteral("db info"),
             QStringLiteral("open the database and list its tables"), showInfo},
         {{QStringLiteral("db"), QStringLiteral("init")}, QStringLiteral("db init [--demo]"),

@@ -18,14 +18,20 @@ using Outcome = ChartReader::Outcome;
 class Load
 {
 public:
-    Load(DbConnection& connection, ChartContents& contents, LoadProgress& progress, const std::atomic<int>& bContinue)
+    Load(DbConnection& connection, ChartContents& contents, LoadProblems& problems, LoadProgress& progress,
+        const std::atomic<int>& bContinue)
         : m_db(connection)
         , m_builder(*contents.chart)
         , m_stored(contents.stored)
+        , m_problems(problems)
         , m_progress(progress)
         , m_bContinue(bContinue)
     { }
-    ~Load() { m_builder.finish(); }
+    ~Load()
+    {
+        m_builder.finish();
+        m_problems = m_builder.problems();
+    }
 
     // The three phases in order; the first that does not finish ends the load.
     Outcome run();
@@ -43,6 +49,7 @@ private:
     ChartBuilder m_builder;
     // What the database holds, row by row as it passes: what a save later compares it with.
     ChartFingerprint& m_stored;
+    LoadProblems& m_problems;
     qint64 m_fields[ChartFields::kMemberFieldCount] = {};
     LoadProgress& m_progress;
     const std::atomic<int>& m_bContinue;
@@ -115,10 +122,8 @@ Outcome Load::relations()
     m_progress.setPosition(0);
     if (!countRows(QStringLiteral("SD_Relation")))
         return Outcome::ReadFailed;
-    // Memberships are placed for the departments of the tree only; every row still counts in the
-    // print of what the database holds.
-    std::vector<int> groupIds = m_builder.groupIdsInTreeOrder();
-    std::sort(groupIds.begin(), groupIds.end());
+    // Memberships are placed for the departments of the tree only; the builder counts the others
+    // among the problems, and every row counts in the print of what the database holds.
     DbRecordset rows = m_db.execute(ChartStore::relationsQuery());
     if (!rows.isValid())
         return Outcome::ReadFailed;
@@ -127,8 +132,6 @@ Outcome Load::relations()
         ChartFingerprint::printRelation(relation, m_fields);
         m_stored.add(
             ChartTable::Relations, ChartFingerprint::relationKey(relation.K_MemberID, relation.K_GroupID), m_fields);
-        if (!std::binary_search(groupIds.begin(), groupIds.end(), relation.K_GroupID))
-            continue;
         m_progress.setPosition(count++);
         if (stopped())
             return Outcome::OpenFailed;
@@ -175,7 +178,7 @@ ChartReader::Result ChartReader::read(
     Outcome chart = Outcome::Loaded;
     {
         // The builder puts together what was read when the load ends, also when it ends early.
-        Load load(connection, result.contents, progress, bContinue);
+        Load load(connection, result.contents, result.problems, progress, bContinue);
         chart = load.run();
     }
     if (chart != Outcome::Loaded)
@@ -195,6 +198,26 @@ ChartReader::Result ChartReader::read(
     if (stoppedBetweenPhases())
         return fail(Outcome::Stopped);
     return result;
+}
+
+QString ChartReader::describe(const LoadProblems& problems)
+{
+    if (!problems.any())
+        return {};
+    const QString kinds[LoadProblems::KindCount]
+        = {Msg::kProblemUnknownDepartment, Msg::kProblemUnknownUser, Msg::kProblemNoParent,
+            Msg::kProblemDuplicateDepartment, Msg::kProblemDuplicateUser, Msg::kProblemDuplicateLogin};
+    QStringList lines {Msg::kProblemsHeading.arg(problems.total())};
+    for (int kind = 0; kind < LoadProblems::KindCount; ++kind) {
+        const int count = problems.counts[static_cast<size_t>(kind)];
+        if (count == 0)
+            continue;
+        QString examples = problems.examples[static_cast<size_t>(kind)].join(QStringLiteral(", "));
+        if (count > LoadProblems::kExamples)
+            examples += QStringLiteral(", ...");
+        lines << kinds[kind].arg(count).arg(examples);
+    }
+    return lines.join(u'\n');
 }
 
 QString ChartReader::message(Outcome outcome)

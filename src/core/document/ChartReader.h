@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/CSableManagerDoc.h"
+#include "orgchart/ChartBuilder.h"
 
 #include <QString>
 
@@ -37,6 +38,7 @@ public:
     {
         Outcome outcome = Outcome::Loaded;
         ChartContents contents; // what was read, also when the load did not finish
+        LoadProblems problems; // what the chart could not place as the rows say
         QString errorText; // the database's error text of a failure
     };
 
@@ -47,6 +49,8 @@ public:
 
     // The message the administrator sees for an outcome; empty for none.
     static QString message(Outcome outcome);
+    // What the load could not place, with what the next save does with it; empty when nothing.
+    static QString describe(const LoadProblems& problems);
 };
 
 } // namespace sable

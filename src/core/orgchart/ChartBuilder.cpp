@@ -10,8 +10,39 @@ ChartBuilder::ChartBuilder(OrgChart& target)
     : m_chart(target)
 { }
 
+void LoadProblems::note(Kind kind, const QString& example)
+{
+    ++counts[static_cast<size_t>(kind)];
+    QStringList& some = examples[static_cast<size_t>(kind)];
+    if (some.size() < kExamples)
+        some << example;
+}
+
+bool LoadProblems::any() const
+{
+    return total() > 0;
+}
+
+int LoadProblems::total() const
+{
+    int sum = 0;
+    for (const int count : counts)
+        sum += count;
+    return sum;
+}
+
 void ChartBuilder::addMember(MemberRecord member)
 {
+    if (m_chart.rowOf(member.K_MemberID) >= 0)
+        m_problems.note(
+            LoadProblems::DuplicateUserId, QStringLiteral("%1 (%2)").arg(member.K_MemberID).arg(member.MemberID));
+    const QString folded = member.MemberID.toCaseFolded();
+    if (!member.MemberID.isEmpty()) {
+        if (m_loginIds.contains(folded))
+            m_problems.note(LoadProblems::DuplicateLoginId, member.MemberID);
+        else
+            m_loginIds.insert(folded, member.K_MemberID);
+    }
     m_chart.appendMemberQuietly(std::move(member));
 }
 
@@ -25,6 +56,12 @@ void ChartBuilder::addGroup(const GroupRow& row)
     }
     const int index = static_cast<int>(m_groups.size());
     m_groups.push_back({row, m_parentIndex, {}});
+    if (m_parentIndex < 0 && row.K_GroupID_P != -1)
+        m_problems.note(
+            LoadProblems::DepartmentWithoutParent, QStringLiteral("%1 (%2)").arg(row.GroupName).arg(row.K_GroupID));
+    if (m_groupIndexById.contains(row.K_GroupID))
+        m_problems.note(
+            LoadProblems::DuplicateDepartmentId, QStringLiteral("%1 (%2)").arg(row.GroupName).arg(row.K_GroupID));
     if (m_parentIndex < 0)
         m_topLevel.push_back(index);
     else
@@ -74,6 +111,15 @@ void ChartBuilder::finish()
     if (m_bFinished)
         return;
     m_bFinished = true;
+    for (const auto& [groupId, relations] : m_relationsByGroup) {
+        for (const RelationRow& relation : relations) {
+            const QString example = QStringLiteral("%1/%2").arg(relation.K_MemberID).arg(groupId);
+            if (!m_groupIndexById.contains(groupId))
+                m_problems.note(LoadProblems::MembershipOfUnknownDepartment, example);
+            else if (m_chart.rowOf(relation.K_MemberID) < 0)
+                m_problems.note(LoadProblems::MembershipOfUnknownUser, example);
+        }
+    }
     for (const int top : m_topLevel) {
         const GroupRow& row = m_groups[static_cast<size_t>(top)].row;
         OrgNode* node
@@ -91,8 +137,11 @@ void ChartBuilder::buildChildren(OrgNode* node, int groupIndex)
         pending.pop_back();
         for (const PendingChild& child : orderedChildren(index)) {
             if (child.group < 0) {
-                m_chart.appendNodeQuietly(
-                    parent, OrgNode::makeMember(child.member->K_MemberID, child.member->K_RankID));
+                // A membership of a user the table does not hold has nobody to show: it is left out
+                // (and counted among the problems).
+                if (m_chart.rowOf(child.member->K_MemberID) >= 0)
+                    m_chart.appendNodeQuietly(
+                        parent, OrgNode::makeMember(child.member->K_MemberID, child.member->K_RankID));
                 continue;
             }
             const GroupRow& row = m_groups[static_cast<size_t>(child.group)].row;

@@ -3,7 +3,9 @@
 #include "orgchart/ChartRows.h"
 
 #include <QHash>
+#include <QStringList>
 
+#include <array>
 #include <unordered_map>
 #include <vector>
 
@@ -11,6 +13,30 @@ namespace sable {
 
 class OrgChart;
 class OrgNode;
+
+// What a chart built from stored rows could not place as the rows say, by kind, with a few examples
+// of each: rows nobody should lose without being told.
+struct LoadProblems
+{
+    enum Kind
+    {
+        MembershipOfUnknownDepartment, // left out: the next save removes it
+        MembershipOfUnknownUser, // left out: the next save removes it
+        DepartmentWithoutParent, // placed at the top level, and saved there
+        DuplicateDepartmentId, // both kept: the next save writes both again
+        DuplicateUserId, // both kept: the next save writes both again
+        DuplicateLoginId, // the save refuses the chart until one is changed
+        KindCount
+    };
+    static constexpr int kExamples = 5;
+
+    std::array<int, KindCount> counts {};
+    std::array<QStringList, KindCount> examples;
+
+    void note(Kind kind, const QString& example);
+    bool any() const;
+    int total() const;
+};
 
 // Builds a chart from stored rows the way a load places them, so that a save followed by a load
 // gives the same tree: departments arrive ordered by Depth and Position and hang under the first
@@ -31,6 +57,8 @@ public:
 
     // Builds the tree from what was added so far (also after a load stopped half-way).
     void finish();
+    // What finish() could not place as the rows say.
+    const LoadProblems& problems() const { return m_problems; }
 
 private:
     struct PendingGroup
@@ -57,6 +85,8 @@ private:
     int m_parentIndex = -1;
     std::unordered_map<int, std::vector<RelationRow>> m_relationsByGroup;
     bool m_bFinished = false;
+    LoadProblems m_problems;
+    QHash<QString, int> m_loginIds; // folded login ID to member, for telling twins apart
 };
 
 } // namespace sable

@@ -496,10 +496,14 @@ void CMainFrame::startLoad()
 
 void CMainFrame::onChartLoaded()
 {
-    m_doc.adopt(std::move(m_reader->takeResult().contents));
+    ChartReader::Result result = m_reader->takeResult();
+    m_doc.adopt(std::move(result.contents));
     m_bChartLoaded = true;
     Q_EMIT chartLoaded();
     switchToView(m_currentView);
+    // What the chart could not place is told once the window shows it, before anyone saves.
+    if (const QString problems = ChartReader::describe(result.problems); !problems.isEmpty())
+        QTimer::singleShot(0, this, [this, problems] { m_prompter.warn(this, problems); });
 }
 
 void CMainFrame::onReaderEnded(int bContinue)
