@@ -28,6 +28,17 @@ std::vector<std::pair<int, int>> contiguousRanges(const std::vector<int>& rows)
     return ranges;
 }
 
+// How many runs of neighbouring places the sorted places form (a new run at each new parent).
+size_t countRanges(const std::vector<DetachedNode>& places)
+{
+    size_t ranges = 0;
+    for (size_t i = 0; i < places.size(); ++i) {
+        if (i == 0 || places[i].parent != places[i - 1].parent || places[i].row != places[i - 1].row + 1)
+            ++ranges;
+    }
+    return ranges;
+}
+
 void walk(OrgNode* node, const std::function<void(OrgNode*)>& visit)
 {
     // Explicit stack: a deep chart must not exhaust the call stack.
@@ -81,6 +92,8 @@ void OrgChart::swapContents(OrgChart& other)
     std::swap(m_members, other.m_members);
     std::swap(m_rowById, other.m_rowById);
     other.m_revision = Revision::next();
+    departmentsChanged();
+    other.departmentsChanged();
     notify([](OrgChartListener& l) { l.chartReset(); });
 }
 
@@ -104,6 +117,45 @@ const std::vector<OrgNode*>& OrgChart::placementsOf(int memberId) const
 {
     const auto it = m_placements.find(memberId);
     return it == m_placements.end() ? kNoPlacements : it->second;
+}
+
+std::vector<OrgNode*> OrgChart::placementsInTreeOrder(int memberId) const
+{
+    return inTreeOrder(placementsOf(memberId));
+}
+
+std::vector<OrgNode*> OrgChart::inTreeOrder(std::vector<OrgNode*> nodes) const
+{
+    if (nodes.size() < 2)
+        return nodes;
+    // Each node's places from the top down; the tree's order is their lexicographic order.
+    std::vector<std::pair<std::vector<int>, OrgNode*>> keyed;
+    for (OrgNode* node : nodes) {
+        std::vector<int> places;
+        for (const OrgNode* up = node; up && up != m_root.get(); up = up->parent())
+            places.push_back(up->row());
+        std::reverse(places.begin(), places.end());
+        keyed.emplace_back(std::move(places), node);
+    }
+    std::sort(keyed.begin(), keyed.end());
+    std::vector<OrgNode*> ordered;
+    for (auto& [places, node] : keyed)
+        ordered.push_back(node);
+    return ordered;
+}
+
+bool OrgChart::isWithin(const OrgNode* node, const OrgNode* ancestor)
+{
+    for (const OrgNode* up = node; up; up = up->parent()) {
+        if (up == ancestor)
+            return true;
+    }
+    return false;
+}
+
+bool OrgChart::isAttached(const OrgNode* node) const
+{
+    return node && isWithin(node, m_root.get());
 }
 
 OrgNode* OrgChart::placementIn(const OrgNode* group, int memberId) const
@@ -216,6 +268,8 @@ OrgNode* OrgChart::insertNode(OrgNode* parent, int index, std::unique_ptr<OrgNod
     renumber(parent, index);
     std::vector<int> gained;
     registerSubtree(inserted, &gained);
+    if (inserted->isGroup())
+        departmentsChanged();
     notify([&](OrgChartListener& l) { l.nodesInserted(parent, index, index); });
     notifyMembersChanged(gained);
     return inserted;
@@ -242,6 +296,8 @@ std::unique_ptr<OrgNode> OrgChart::takeNode(OrgNode* node)
     std::vector<int> lost;
     unregisterSubtree(taken.get(), &lost);
     taken->m_parent = nullptr;
+    if (taken->isGroup())
+        departmentsChanged();
     notify([&](OrgChartListener& l) { l.nodesRemoved(parent, index, index); });
     notifyMembersChanged(lost);
     return taken;
@@ -264,6 +320,150 @@ void OrgChart::moveNode(OrgNode* node, int to)
     notify([&](OrgChartListener& l) { l.nodeMoved(parent, from, to); });
 }
 
+void OrgChart::reparentNode(OrgNode* node, OrgNode* newParent, int index)
+{
+    Q_ASSERT(!isWithin(newParent, node));
+    OrgNode* oldParent = node->parent();
+    if (oldParent == newParent) {
+        moveNode(node, index);
+        return;
+    }
+    const int from = node->row();
+    index = std::clamp(index, 0, newParent->childCount());
+    notify([&](OrgChartListener& l) { l.nodeAboutToBeReparented(oldParent, from, newParent, index); });
+    std::unique_ptr<OrgNode> moving = std::move(oldParent->m_children[static_cast<size_t>(from)]);
+    oldParent->m_children.erase(oldParent->m_children.begin() + from);
+    renumber(oldParent, from);
+    moving->m_parent = newParent;
+    newParent->m_children.insert(newParent->m_children.begin() + index, std::move(moving));
+    renumber(newParent, index);
+    if (node->isGroup())
+        departmentsChanged();
+    notify([&](OrgChartListener& l) { l.nodeReparented(oldParent, from, newParent, index); });
+}
+
+std::vector<DetachedNode> OrgChart::takeNodes(const std::vector<OrgNode*>& nodes)
+{
+    std::vector<DetachedNode> taken;
+    for (OrgNode* node : nodes)
+        taken.push_back({node->parent(), node->row(), nullptr});
+    std::sort(taken.begin(), taken.end(), [](const DetachedNode& a, const DetachedNode& b) {
+        return a.parent != b.parent ? std::less<>()(a.parent, b.parent) : a.row < b.row;
+    });
+    const size_t ranges = countRanges(taken);
+    std::vector<int> lost;
+    bool bGroups = false;
+    const auto detach = [&](DetachedNode& place, std::unique_ptr<OrgNode> node) {
+        bGroups = bGroups || node->isGroup();
+        unregisterSubtree(node.get(), &lost);
+        node->m_parent = nullptr;
+        place.node = std::move(node);
+    };
+    if (ranges <= kMaxSeparateRanges) {
+        // Range by range from the last, so that the earlier places keep their numbers meanwhile.
+        for (size_t end = taken.size(); end > 0;) {
+            size_t begin = end - 1;
+            while (begin > 0 && taken[begin - 1].parent == taken[begin].parent
+                && taken[begin - 1].row + 1 == taken[begin].row)
+                --begin;
+            OrgNode* parent = taken[begin].parent;
+            const int first = taken[begin].row;
+            const int last = taken[end - 1].row;
+            notify([&](OrgChartListener& l) { l.nodesAboutToBeRemoved(parent, first, last); });
+            auto& children = parent->m_children;
+            for (size_t i = begin; i < end; ++i)
+                detach(taken[i], std::move(children[static_cast<size_t>(taken[i].row)]));
+            children.erase(children.begin() + first, children.begin() + last + 1);
+            renumber(parent, first);
+            if (bGroups)
+                departmentsChanged();
+            notify([&](OrgChartListener& l) { l.nodesRemoved(parent, first, last); });
+            end = begin;
+        }
+    } else {
+        notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
+        for (DetachedNode& place : taken)
+            detach(place, std::move(place.parent->m_children[static_cast<size_t>(place.row)]));
+        for (size_t i = 0; i < taken.size(); ++i) {
+            if (i > 0 && taken[i - 1].parent == taken[i].parent)
+                continue;
+            OrgNode* parent = taken[i].parent;
+            std::erase_if(parent->m_children, [](const std::unique_ptr<OrgNode>& child) { return !child; });
+            renumber(parent, 0);
+        }
+        if (bGroups)
+            departmentsChanged();
+        notify([](OrgChartListener& l) { l.treeRestructured(); });
+    }
+    notifyMembersChanged(lost);
+    return taken;
+}
+
+void OrgChart::insertNodes(std::vector<DetachedNode> nodes)
+{
+    // Under each parent in the order given, the parents one after the other.
+    std::stable_sort(nodes.begin(), nodes.end(),
+        [](const DetachedNode& a, const DetachedNode& b) { return std::less<>()(a.parent, b.parent); });
+    const size_t ranges = countRanges(nodes);
+    std::vector<int> gained;
+    bool bGroups = false;
+    const auto attach = [&](DetachedNode& place) {
+        OrgNode* node = place.node.get();
+        bGroups = bGroups || node->isGroup();
+        node->m_parent = place.parent;
+        registerSubtree(node, &gained);
+        return std::move(place.node);
+    };
+    if (ranges <= kMaxSeparateRanges) {
+        for (size_t begin = 0; begin < nodes.size();) {
+            size_t end = begin + 1;
+            while (end < nodes.size() && nodes[end].parent == nodes[begin].parent
+                && nodes[end].row == nodes[end - 1].row + 1)
+                ++end;
+            OrgNode* parent = nodes[begin].parent;
+            const int first = std::clamp(nodes[begin].row, 0, parent->childCount());
+            const int last = first + static_cast<int>(end - begin) - 1;
+            notify([&](OrgChartListener& l) { l.nodesAboutToBeInserted(parent, first, last); });
+            std::vector<std::unique_ptr<OrgNode>> inserted;
+            for (size_t i = begin; i < end; ++i)
+                inserted.push_back(attach(nodes[i]));
+            parent->m_children.insert(parent->m_children.begin() + first, std::make_move_iterator(inserted.begin()),
+                std::make_move_iterator(inserted.end()));
+            renumber(parent, first);
+            if (bGroups)
+                departmentsChanged();
+            notify([&](OrgChartListener& l) { l.nodesInserted(parent, first, last); });
+            begin = end;
+        }
+    } else {
+        notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
+        for (size_t begin = 0; begin < nodes.size();) {
+            OrgNode* parent = nodes[begin].parent;
+            size_t end = begin;
+            while (end < nodes.size() && nodes[end].parent == parent)
+                ++end;
+            // One pass: every inserted node at its place, the old children in order around them.
+            std::vector<std::unique_ptr<OrgNode>> merged;
+            const size_t total = parent->m_children.size() + (end - begin);
+            merged.reserve(total);
+            auto old = parent->m_children.begin();
+            size_t next = begin;
+            for (size_t at = 0; at < total; ++at) {
+                const bool fresh
+                    = next < end && (static_cast<size_t>(nodes[next].row) <= at || old == parent->m_children.end());
+                merged.push_back(fresh ? attach(nodes[next++]) : std::move(*old++));
+            }
+            parent->m_children = std::move(merged);
+            renumber(parent, 0);
+            begin = end;
+        }
+        if (bGroups)
+            departmentsChanged();
+        notify([](OrgChartListener& l) { l.treeRestructured(); });
+    }
+    notifyMembersChanged(gained);
+}
+
 void OrgChart::reorderChildren(OrgNode* parent, const std::vector<int>& order)
 {
     notify([&](OrgChartListener& l) { l.childrenAboutToBeReordered(parent); });
@@ -279,6 +479,7 @@ void OrgChart::reorderChildren(OrgNode* parent, const std::vector<int>& order)
 void OrgChart::renameGroup(OrgNode* group, const QString& name)
 {
     group->m_name = name;
+    departmentsChanged();
     notify([&](OrgChartListener& l) { l.nodeChanged(group); });
 }
 
@@ -386,7 +587,7 @@ std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
     taken.reserve(rows.size());
     if (ranges.size() > kMaxSeparateRanges) {
         // One pass over the whole list: erasing range by range would move the list once per range.
-        notify([](OrgChartListener& l) { l.memberListAboutToReset(); });
+        notify([&rows](OrgChartListener& l) { l.membersAboutToBeRemovedAt(rows); });
         std::vector<MemberRecord> kept;
         kept.reserve(m_members.size() - rows.size());
         auto next = rows.begin();
@@ -397,7 +598,7 @@ std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
         }
         m_members = std::move(kept);
         reindexMembers();
-        notify([](OrgChartListener& l) { l.memberListReset(); });
+        notify([&rows](OrgChartListener& l) { l.membersRemovedAt(rows); });
     } else {
         taken.resize(rows.size());
         // From the last range to the first, so that the earlier rows keep their numbers meanwhile.
@@ -421,7 +622,7 @@ void OrgChart::insertMembers(const std::vector<int>& rows, std::vector<MemberRec
 {
     const auto ranges = contiguousRanges(rows);
     if (ranges.size() > kMaxSeparateRanges) {
-        notify([](OrgChartListener& l) { l.memberListAboutToReset(); });
+        notify([&rows](OrgChartListener& l) { l.membersAboutToBeInsertedAt(rows); });
         std::vector<MemberRecord> merged;
         merged.reserve(m_members.size() + members.size());
         auto old = m_members.begin();
@@ -432,7 +633,7 @@ void OrgChart::insertMembers(const std::vector<int>& rows, std::vector<MemberRec
         }
         m_members = std::move(merged);
         reindexMembers();
-        notify([](OrgChartListener& l) { l.memberListReset(); });
+        notify([&rows](OrgChartListener& l) { l.membersInsertedAt(rows); });
     } else {
         size_t next = 0;
         for (const auto& [first, last] : ranges) {
@@ -473,11 +674,20 @@ void OrgChart::reindexMembers()
 
 void OrgChart::notifyMembersChanged(const std::vector<int>& memberIds)
 {
+    std::vector<int> rows;
     for (const int id : memberIds) {
         const int row = rowOf(id);
         if (row >= 0)
-            notify([row](OrgChartListener& l) { l.memberChanged(row); });
+            rows.push_back(row);
     }
+    if (rows.size() <= kMaxSeparateRanges) {
+        for (const int row : rows)
+            notify([row](OrgChartListener& l) { l.memberChanged(row); });
+        return;
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    notify([&rows](OrgChartListener& l) { l.membersChanged(rows); });
 }
 
 void OrgChart::notifyPlacementsChanged(int memberId)

@@ -2,6 +2,7 @@
 
 #include "orgchart/MemberRecord.h"
 #include "orgchart/OrgNode.h"
+#include "orgchart/Revision.h"
 
 #include <QHash>
 
@@ -12,6 +13,15 @@
 namespace sable {
 
 class OrgChartListener;
+
+// A node taken out of the tree with its subtree, and the place it had (or is to have): the parent
+// and the index among the parent's children.
+struct DetachedNode
+{
+    OrgNode* parent = nullptr;
+    int row = 0;
+    std::unique_ptr<OrgNode> node;
+};
 
 // The organisation chart in memory: the department tree with the members placed in it, and the
 // member list. Departments, members and every placement of a member are found in constant time;
@@ -30,6 +40,9 @@ public:
     // Changes with every change of the contents, and no two charts share one: whoever keeps a
     // pointer into the chart can tell whether it still holds.
     quint64 revision() const { return m_revision; }
+    // Changes whenever a department is added, removed, renamed or moved (not with members): whoever
+    // keeps department paths can tell whether they still hold.
+    quint64 departmentRevision() const { return m_departmentRevision; }
 
     // Exchanges the contents (not the listeners) with `other`; this chart's listeners see a reset.
     void swapContents(OrgChart& other);
@@ -46,8 +59,16 @@ public:
     OrgNode* findGroup(int groupId) const;
     // Every node that places the member, in no particular order.
     const std::vector<OrgNode*>& placementsOf(int memberId) const;
+    // The same in the order of the tree, as the chart shows and saves them.
+    std::vector<OrgNode*> placementsInTreeOrder(int memberId) const;
+    // Nodes of the tree in the order the tree shows them.
+    std::vector<OrgNode*> inTreeOrder(std::vector<OrgNode*> nodes) const;
     // The member's node directly under `group`, or nullptr.
     OrgNode* placementIn(const OrgNode* group, int memberId) const;
+    // Whether `node` is `ancestor` or lies below it.
+    static bool isWithin(const OrgNode* node, const OrgNode* ancestor);
+    // Whether the node hangs in this chart's tree (and not in a subtree taken out of it).
+    bool isAttached(const OrgNode* node) const;
     int groupCount() const { return m_groupCount; }
     int placementCount() const { return m_placementCount; }
 
@@ -92,6 +113,15 @@ public:
     std::unique_ptr<OrgNode> takeNode(OrgNode* node);
     // Moves the node among its siblings to place `to`.
     void moveNode(OrgNode* node, int to);
+    // Moves the node with its subtree under another parent, to place `index` there. The new parent
+    // must not lie within the node.
+    void reparentNode(OrgNode* node, OrgNode* newParent, int index);
+    // Removes the nodes (none of them within another) with their subtrees, as one change, and hands
+    // them over with their places, ascending under each parent: insertNodes puts them back.
+    std::vector<DetachedNode> takeNodes(const std::vector<OrgNode*>& nodes);
+    // Inserts each node at its place, in the order given; under one parent the places must ascend
+    // (they are the places the nodes have afterwards).
+    void insertNodes(std::vector<DetachedNode> nodes);
     // Puts the children of `parent` in a new order: `order[i]` is the old place of the new child i.
     void reorderChildren(OrgNode* parent, const std::vector<int>& order);
     void renameGroup(OrgNode* group, const QString& name);
@@ -110,6 +140,7 @@ private:
     void registerSubtree(OrgNode* node, std::vector<int>* gainedMembers);
     void unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers);
     void renumber(OrgNode* parent, int from);
+    void departmentsChanged() { m_departmentRevision = Revision::next(); }
     void reindexMembers();
     void notifyMembersChanged(const std::vector<int>& memberIds);
     void notifyPlacementsChanged(int memberId);
@@ -126,6 +157,7 @@ private:
     QHash<int, int> m_rowById;
     std::vector<OrgChartListener*> m_listeners;
     quint64 m_revision = 0;
+    quint64 m_departmentRevision = Revision::next();
 };
 
 } // namespace sable
