@@ -7,6 +7,8 @@
 #include "ChartGenerator.h"
 #include "document/CSableManagerDoc.h"
 #include "orgchart/COrganizeFormView.h"
+#include "orgchart/MemberTableView.h"
+#include "orgchart/OrgTreeView.h"
 
 #include <QAbstractTableModel>
 #include <QApplication>

@@ -12,9 +12,10 @@
 #include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
-#include "orgchart/MemberFilterModel.h"
 #include "orgchart/MemberListModel.h"
+#include "orgchart/MemberTableView.h"
 #include "orgchart/OrgTreeModel.h"
+#include "orgchart/OrgTreeView.h"
 #include "platform/ServiceBackend.h"
 #include "server/ServerServiceControl.h"
 #include "widgets/BalloonTip.h"
@@ -263,7 +264,7 @@ void TestConsoleWindow::cellLimitBalloon()
     m_console->open();
     QVERIFY(m_console->load());
     COrganizeFormView* form = m_console->editor();
-    const QModelIndex mobile = form->filterModel()->index(0, ColHP);
+    const QModelIndex mobile = form->memberModel()->index(0, ColHP);
     QLineEdit* editor = openEditor(form->memberList(), mobile);
     QVERIFY(editor);
     commit(form->memberList(), editor, QStringLiteral("010-1234-56789"));
@@ -424,7 +425,7 @@ void TestConsoleWindow::registrationMailFromTheChartEditor()
     QCOMPARE(dialog->recipients()->rowCount(), 16);
     form->memberList()->selectRow(0);
     form->memberList()->selectionModel()->select(
-        form->filterModel()->index(38, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        form->memberModel()->index(38, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
     form->requestRegistrationMail(false);
     QCOMPARE(dialog->recipients()->rowCount(), 18);
     form->requestRegistrationMail(false); // already listed: nothing more

@@ -56,7 +56,8 @@ CMainFrame::CMainFrame(
     , m_services(std::make_unique<ServerServiceControl>(std::move(services), m_config.paths()))
     , m_commands(this, [this](int command) { runCommand(command); })
 {
-    setWindowTitle(Msg::kAppTitle);
+    // The title bar marks unsaved edits, as desktop programs do.
+    setWindowTitle(Msg::kAppTitle + QStringLiteral("[*]"));
     setWindowIcon(Icons::app());
     resize(770, 630);
     declareCommands();
@@ -78,6 +79,7 @@ CMainFrame::CMainFrame(
     connect(m_services.get(), &ServerServiceControl::statesChanged, this, &CMainFrame::updateCommandStates);
     connect(m_services.get(), &ServerServiceControl::busyChanged, this, &CMainFrame::updateCommandStates);
     connect(&m_doc.history(), &EditHistory::changed, this, &CMainFrame::updateCommandStates);
+    connect(&m_doc, &CSableManagerDoc::modifiedChanged, this, &QWidget::setWindowModified);
     m_saveRunner = new SaveRunner(m_doc, IniFile(m_config.paths().settingsFilePath), this);
     connect(m_saveRunner, &SaveRunner::finished, this, &CMainFrame::onSaveFinished);
 

@@ -6,11 +6,15 @@
 #include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/RankModels.h"
 #include "widgets/BalloonTip.h"
+#include "widgets/CutTextDelegate.h"
 #include "widgets/Heading.h"
+#include "widgets/Icons.h"
 
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QSplitter>
 #include <QStyledItemDelegate>
@@ -23,11 +27,11 @@ namespace sable {
 namespace {
 
 // The rank column's drop-down list of the rank names and "직급없음".
-class RankChoiceDelegate final : public QStyledItemDelegate
+class RankChoiceDelegate final : public CutTextDelegate
 {
 public:
     explicit RankChoiceDelegate(MembershipRankModel* model, QObject* parent)
-        : QStyledItemDelegate(parent)
+        : CutTextDelegate(parent)
         , m_model(model)
     { }
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex&) const override
@@ -49,12 +53,18 @@ private:
     MembershipRankModel* m_model;
 };
 
-QWidget* titled(const QString& title, QWidget* content, QWidget* parent)
+QWidget* titled(const QString& title, QWidget* content, QWidget* parent, QWidget* beside = nullptr)
 {
     auto* box = new QWidget(parent);
     auto* layout = new QVBoxLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(makeHeading(title, box));
+    auto* bar = new QHBoxLayout;
+    bar->addWidget(makeHeading(title, box));
+    if (beside) {
+        bar->addStretch(1);
+        bar->addWidget(beside, 2);
+    }
+    layout->addLayout(bar);
     layout->addWidget(content);
     return box;
 }
@@ -68,10 +78,11 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     , m_membershipModel(new MembershipRankModel(doc, this))
     , m_tree(new QTreeView(this))
     , m_grid(new QTableView(this))
+    , m_search(new QLineEdit(this))
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     splitter->addWidget(titled(Msg::kRankTreeRoot, m_tree, splitter));
-    splitter->addWidget(titled(Msg::kRankGridTitle, m_grid, splitter));
+    splitter->addWidget(titled(Msg::kRankGridTitle, m_grid, splitter, m_search));
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 2);
     auto* layout = new QVBoxLayout(this);
@@ -88,7 +99,13 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     m_tree->expandAll();
+    m_search->setPlaceholderText(Msg::kRankGridSearchPlaceholder);
+    m_search->setClearButtonEnabled(true);
+    m_search->addAction(Icons::search(), QLineEdit::LeadingPosition);
+    connect(m_search, &QLineEdit::textChanged, m_membershipModel, &MembershipRankModel::setSearchText);
     m_grid->setModel(m_membershipModel);
+    m_grid->setItemDelegate(new CutTextDelegate(m_grid));
+    m_grid->setWordWrap(false);
     m_grid->setItemDelegateForColumn(MembershipRankModel::ColRank, new RankChoiceDelegate(m_membershipModel, m_grid));
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);

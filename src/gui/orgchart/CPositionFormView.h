@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QLineEdit;
 class QTableView;
 class QTreeView;
 
@@ -15,7 +16,7 @@ class RankTreeModel;
 struct Balloon;
 
 // The rank editor: the rank list "직급" and the membership list "직급별 목록", in which the rank
-// of every member placement is chosen.
+// of every member placement is chosen, with a search box that narrows the memberships.
 class CPositionFormView final : public QWidget
 {
     Q_OBJECT
@@ -27,6 +28,7 @@ public:
     void setPrompter(Prompter prompter) { m_prompter = std::move(prompter); }
     QTreeView* rankTree() const { return m_tree; }
     QTableView* membershipList() const { return m_grid; }
+    QLineEdit* searchBox() const { return m_search; }
     RankTreeModel* rankModel() const { return m_rankModel; }
     MembershipRankModel* membershipModel() const { return m_membershipModel; }
     int selectedRank() const;
@@ -50,6 +52,7 @@ private:
     MembershipRankModel* m_membershipModel;
     QTreeView* m_tree;
     QTableView* m_grid;
+    QLineEdit* m_search;
     Prompter m_prompter = Prompter::messageBoxes();
     bool m_bBalloonHelp = true;
 };

@@ -1,5 +1,6 @@
 #include "widgets/Prompter.h"
 
+#include <QInputDialog>
 #include <QMessageBox>
 
 namespace sable {
@@ -7,7 +8,9 @@ namespace {
 
 QString titleOf(QWidget* parent)
 {
-    return parent && parent->window() ? parent->window()->windowTitle() : QStringLiteral("SableManager");
+    // Without the window's mark of unsaved edits, which only its own title bar draws.
+    return parent && parent->window() ? parent->window()->windowTitle().remove(QStringLiteral("[*]"))
+                                      : QStringLiteral("SableManager");
 }
 
 } // namespace
@@ -38,6 +41,11 @@ Prompter Prompter::messageBoxes()
     prompter.inform
         = [](QWidget* parent, const QString& text) { QMessageBox::information(parent, titleOf(parent), text); };
     prompter.warn = [](QWidget* parent, const QString& text) { QMessageBox::warning(parent, titleOf(parent), text); };
+    prompter.choose = [](QWidget* parent, const QString& question, const QStringList& choices) {
+        bool bChosen = false;
+        const QString choice = QInputDialog::getItem(parent, titleOf(parent), question, choices, 0, false, &bChosen);
+        return bChosen ? static_cast<int>(choices.indexOf(choice)) : -1;
+    };
     return prompter;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -25,6 +26,8 @@ struct Prompter
     std::function<Answer(QWidget* parent, const QString& question)> askYesNoCancel;
     std::function<void(QWidget* parent, const QString& text)> inform;
     std::function<void(QWidget* parent, const QString& text)> warn;
+    // One of `choices` (its index), or -1 when the question is cancelled.
+    std::function<int(QWidget* parent, const QString& question, const QStringList& choices)> choose;
 
     // Message boxes, titled with the window's title.
     static Prompter messageBoxes();
