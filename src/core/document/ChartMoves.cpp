@@ -152,6 +152,7 @@ EditOutcome ChartMoves::moveUsers(const std::vector<int>& rows, OrgNode* departm
     std::vector<OrgNode*> merging;
     std::vector<std::unique_ptr<OrgNode>> placing;
     QSet<int> seen;
+    seen.reserve(static_cast<qsizetype>(rows.size()));
     for (const int row : rows) {
         if (row < 0 || row >= chart.memberCount())
             continue;
@@ -159,12 +160,13 @@ EditOutcome ChartMoves::moveUsers(const std::vector<int>& rows, OrgNode* departm
         if (seen.contains(member.K_MemberID))
             continue;
         seen.insert(member.K_MemberID);
-        const std::vector<OrgNode*> places = chart.placementsInTreeOrder(member.K_MemberID);
+        const std::vector<OrgNode*>& places = chart.placementsOf(member.K_MemberID);
         if (places.empty()) {
             placing.push_back(OrgNode::makeMember(member.K_MemberID, -1));
             continue;
         }
-        OrgNode* from = places.size() == 1 ? places.front() : (choose ? choose(member, places) : nullptr);
+        OrgNode* from
+            = places.size() == 1 ? places.front() : (choose ? choose(member, chart.inTreeOrder(places)) : nullptr);
         if (!from)
             return {};
         if (from->parent() == department)

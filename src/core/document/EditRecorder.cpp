@@ -2,8 +2,6 @@
 
 #include "document/CSableManagerDoc.h"
 
-#include <QHash>
-
 #include <algorithm>
 
 namespace sable {
@@ -102,8 +100,8 @@ private:
     int m_to;
 };
 
-// Nodes from anywhere to the end of one parent's children: taken out together and put in together,
-// so that the tree is never seen half-moved; undone the same way back to the places they had.
+// Nodes from anywhere to the end of one parent's children, in the order the tree showed them, at
+// once, so that the tree is never seen half-moved; undone the same way back to the places they had.
 class RelocateNodes final : public DocChange
 {
 public:
@@ -113,42 +111,22 @@ public:
     { }
     void redo(CSableManagerDoc& doc) override
     {
-        // They arrive in the order the tree showed them.
-        QHash<const OrgNode*, int> order;
-        for (const OrgNode* node : doc.chart().inTreeOrder(m_nodes))
-            order.insert(node, static_cast<int>(order.size()));
-        std::vector<DetachedNode> taken = doc.chart().takeNodes(m_nodes);
-        std::sort(taken.begin(), taken.end(), [&order](const DetachedNode& a, const DetachedNode& b) {
-            return order.value(a.node.get()) < order.value(b.node.get());
-        });
-        m_origins.clear();
+        const std::vector<OrgNode*> ordered = doc.chart().inTreeOrder(m_nodes);
         int at = m_parent->childCount();
-        for (DetachedNode& place : taken) {
-            m_origins.push_back({place.parent, place.row, nullptr});
-            place.parent = m_parent;
-            place.row = at++;
-        }
-        m_moved.clear();
-        for (const DetachedNode& place : taken)
-            m_moved.push_back(place.node.get());
-        doc.chart().insertNodes(std::move(taken));
+        for (const OrgNode* node : ordered)
+            at -= node->parent() == m_parent ? 1 : 0;
+        std::vector<NodeMove> moves;
+        moves.reserve(ordered.size());
+        for (OrgNode* node : ordered)
+            moves.push_back({node, m_parent, at++});
+        m_back = doc.chart().moveNodes(std::move(moves));
     }
-    void undo(CSableManagerDoc& doc) override
-    {
-        // Taken back in the order they were put in, which is the order of their old places.
-        std::vector<DetachedNode> back = doc.chart().takeNodes(m_moved);
-        for (size_t i = 0; i < back.size(); ++i) {
-            back[i].parent = m_origins[i].parent;
-            back[i].row = m_origins[i].row;
-        }
-        doc.chart().insertNodes(std::move(back));
-    }
+    void undo(CSableManagerDoc& doc) override { doc.chart().moveNodes(m_back); }
 
 private:
     std::vector<OrgNode*> m_nodes;
     OrgNode* m_parent;
-    std::vector<DetachedNode> m_origins;
-    std::vector<OrgNode*> m_moved;
+    std::vector<NodeMove> m_back;
 };
 
 class MoveNode final : public DocChange

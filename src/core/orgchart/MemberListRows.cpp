@@ -4,6 +4,7 @@
 #include "orgchart/OrgChart.h"
 
 #include <QCollator>
+#include <QHash>
 #include <QLocale>
 
 #include <algorithm>
@@ -227,7 +228,16 @@ void MemberListRows::sortBy(int column, Qt::SortOrder order)
             return c != 0 ? (bDescending ? c > 0 : c < 0) : a < b;
         });
     };
-    if (MemberColumns::isChoice(column)) {
+    if (column == kDepartmentsColumn) {
+        const std::vector<std::vector<int>> keys = departmentKeys();
+        sortByKey([&keys](int a, int b) {
+            const auto& x = keys[static_cast<size_t>(a)];
+            const auto& y = keys[static_cast<size_t>(b)];
+            return std::lexicographical_compare(x.begin(), x.end(), y.begin(), y.end()) ? -1
+                : std::lexicographical_compare(y.begin(), y.end(), x.begin(), x.end())  ? 1
+                                                                                        : 0;
+        });
+    } else if (MemberColumns::isChoice(column)) {
         std::vector<int> keys;
         keys.reserve(static_cast<size_t>(count));
         for (int row = 0; row < count; ++row)
@@ -247,6 +257,37 @@ void MemberListRows::sortBy(int column, Qt::SortOrder order)
     }
     rebuildBasePositions();
     std::sort(m_shown.begin(), m_shown.end(), [this](int a, int b) { return basePosition(a) < basePosition(b); });
+}
+
+std::vector<std::vector<int>> MemberListRows::departmentKeys() const
+{
+    // Each department's path collated once; a member sorts by the places of their departments in
+    // that order, taken as the tree shows them, which orders as their joined paths do.
+    QCollator collator(QLocale(QLocale::Korean, QLocale::SouthKorea));
+    collator.setNumericMode(true);
+    std::vector<std::pair<QCollatorSortKey, const OrgNode*>> paths;
+    m_chart.forEachGroup(
+        [&](const OrgNode* group) { paths.emplace_back(collator.sortKey(m_paths.pathOf(group)), group); });
+    std::stable_sort(
+        paths.begin(), paths.end(), [](const auto& a, const auto& b) { return a.first.compare(b.first) < 0; });
+    QHash<const OrgNode*, int> place;
+    for (size_t i = 0; i < paths.size(); ++i) {
+        const bool bSame = i > 0 && paths[i].first.compare(paths[i - 1].first) == 0;
+        place.insert(paths[i].second, bSame ? place.value(paths[i - 1].second) : static_cast<int>(i));
+    }
+    std::vector<std::vector<int>> keys(static_cast<size_t>(m_chart.memberCount()));
+    for (int row = 0; row < m_chart.memberCount(); ++row) {
+        const int id = m_chart.member(row).K_MemberID;
+        const std::vector<OrgNode*>& placements = m_chart.placementsOf(id);
+        auto& key = keys[static_cast<size_t>(row)];
+        if (placements.size() == 1) {
+            key.push_back(place.value(placements.front()->parent()));
+            continue;
+        }
+        for (const OrgNode* placement : m_chart.placementsInTreeOrder(id))
+            key.push_back(place.value(placement->parent()));
+    }
+    return keys;
 }
 
 void MemberListRows::rebuildBasePositions()

@@ -88,6 +88,7 @@ public:
 private:
     class Matcher;
     int basePosition(int memberRow) const;
+    std::vector<std::vector<int>> departmentKeys() const;
     void rebuildBasePositions();
 
     const OrgChart& m_chart;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace sable {
 namespace {
@@ -26,6 +27,15 @@ std::vector<std::pair<int, int>> contiguousRanges(const std::vector<int>& rows)
             ranges.emplace_back(row, row);
     }
     return ranges;
+}
+
+std::vector<int> idsOf(const std::vector<MemberRecord>& members)
+{
+    std::vector<int> ids;
+    ids.reserve(members.size());
+    for (const MemberRecord& member : members)
+        ids.push_back(member.K_MemberID);
+    return ids;
 }
 
 // How many runs of neighbouring places the sorted places form (a new run at each new parent).
@@ -124,23 +134,64 @@ std::vector<OrgNode*> OrgChart::placementsInTreeOrder(int memberId) const
     return inTreeOrder(placementsOf(memberId));
 }
 
+bool OrgChart::isBefore(const OrgNode* a, const OrgNode* b)
+{
+    const auto depthOf = [](const OrgNode* node) {
+        int depth = 0;
+        for (; node->parent(); node = node->parent())
+            ++depth;
+        return depth;
+    };
+    int depthA = depthOf(a);
+    int depthB = depthOf(b);
+    // The deeper one climbs to the other's level; an ancestor comes before what lies below it.
+    const OrgNode* upA = a;
+    const OrgNode* upB = b;
+    for (; depthA > depthB; --depthA)
+        upA = upA->parent();
+    for (; depthB > depthA; --depthB)
+        upB = upB->parent();
+    if (upA == upB)
+        return upA == a && a != b;
+    while (upA->parent() != upB->parent()) {
+        upA = upA->parent();
+        upB = upB->parent();
+    }
+    return upA->row() < upB->row();
+}
+
 std::vector<OrgNode*> OrgChart::inTreeOrder(std::vector<OrgNode*> nodes) const
 {
     if (nodes.size() < 2)
         return nodes;
-    // Each node's places from the top down; the tree's order is their lexicographic order.
-    std::vector<std::pair<std::vector<int>, OrgNode*>> keyed;
-    for (OrgNode* node : nodes) {
-        std::vector<int> places;
+    if (nodes.size() <= 16) {
+        std::sort(nodes.begin(), nodes.end(), &OrgChart::isBefore);
+        return nodes;
+    }
+    // Each node's places from the top down, all in one buffer; the tree's order is their
+    // lexicographic order.
+    std::vector<int> places;
+    std::vector<std::pair<size_t, size_t>> spans;
+    spans.reserve(nodes.size());
+    for (const OrgNode* node : nodes) {
+        const size_t begin = places.size();
         for (const OrgNode* up = node; up && up != m_root.get(); up = up->parent())
             places.push_back(up->row());
-        std::reverse(places.begin(), places.end());
-        keyed.emplace_back(std::move(places), node);
+        std::reverse(places.begin() + static_cast<long>(begin), places.end());
+        spans.emplace_back(begin, places.size() - begin);
     }
-    std::sort(keyed.begin(), keyed.end());
+    std::vector<size_t> order(nodes.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        const auto first = places.begin() + static_cast<long>(spans[a].first);
+        const auto second = places.begin() + static_cast<long>(spans[b].first);
+        return std::lexicographical_compare(
+            first, first + static_cast<long>(spans[a].second), second, second + static_cast<long>(spans[b].second));
+    });
     std::vector<OrgNode*> ordered;
-    for (auto& [places, node] : keyed)
-        ordered.push_back(node);
+    ordered.reserve(nodes.size());
+    for (const size_t i : order)
+        ordered.push_back(nodes[i]);
     return ordered;
 }
 
@@ -239,7 +290,7 @@ void OrgChart::forEachPlacement(const std::function<void(OrgNode*)>& visit) cons
 
 int OrgChart::rowOf(int memberId) const
 {
-    return m_rowById.value(memberId, -1);
+    return m_rowById.value(memberId);
 }
 
 const MemberRecord* OrgChart::findMember(int memberId) const
@@ -393,7 +444,10 @@ std::vector<DetachedNode> OrgChart::takeNodes(const std::vector<OrgNode*>& nodes
         }
         if (bGroups)
             departmentsChanged();
-        notify([](OrgChartListener& l) { l.treeRestructured(); });
+        std::vector<const OrgNode*> gone;
+        for (const DetachedNode& place : taken)
+            gone.push_back(place.node.get());
+        notify([&gone](OrgChartListener& l) { l.treeRestructured(gone); });
     }
     notifyMembersChanged(lost);
     return taken;
@@ -437,6 +491,9 @@ void OrgChart::insertNodes(std::vector<DetachedNode> nodes)
         }
     } else {
         notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
+        std::vector<const OrgNode*> inserted;
+        for (const DetachedNode& place : nodes)
+            inserted.push_back(place.node.get());
         for (size_t begin = 0; begin < nodes.size();) {
             OrgNode* parent = nodes[begin].parent;
             size_t end = begin;
@@ -459,9 +516,67 @@ void OrgChart::insertNodes(std::vector<DetachedNode> nodes)
         }
         if (bGroups)
             departmentsChanged();
-        notify([](OrgChartListener& l) { l.treeRestructured(); });
+        notify([&inserted](OrgChartListener& l) { l.treeRestructured(inserted); });
     }
     notifyMembersChanged(gained);
+}
+
+std::vector<NodeMove> OrgChart::moveNodes(std::vector<NodeMove> moves)
+{
+    notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
+    std::vector<NodeMove> back;
+    back.reserve(moves.size());
+    bool bGroups = false;
+    for (const NodeMove& move : moves) {
+        back.push_back({move.node, move.node->parent(), move.node->row()});
+        bGroups = bGroups || move.node->isGroup();
+    }
+    std::sort(back.begin(), back.end(), [](const NodeMove& a, const NodeMove& b) {
+        return a.parent != b.parent ? std::less<>()(a.parent, b.parent) : a.row < b.row;
+    });
+    // Out of their parents, still registered: the members keep their placements throughout.
+    for (const NodeMove& place : back)
+        static_cast<void>(place.parent->m_children[static_cast<size_t>(place.row)].release());
+    for (size_t i = 0; i < back.size(); ++i) {
+        if (i == 0 || back[i - 1].parent != back[i].parent) {
+            std::erase_if(back[i].parent->m_children, [](const std::unique_ptr<OrgNode>& child) { return !child; });
+            renumber(back[i].parent, 0);
+        }
+    }
+    // In at their new places, parent by parent, the old children in order around them.
+    std::stable_sort(moves.begin(), moves.end(),
+        [](const NodeMove& a, const NodeMove& b) { return std::less<>()(a.parent, b.parent); });
+    for (size_t begin = 0; begin < moves.size();) {
+        OrgNode* parent = moves[begin].parent;
+        size_t end = begin;
+        while (end < moves.size() && moves[end].parent == parent)
+            ++end;
+        std::vector<std::unique_ptr<OrgNode>> merged;
+        const size_t total = parent->m_children.size() + (end - begin);
+        merged.reserve(total);
+        auto old = parent->m_children.begin();
+        size_t next = begin;
+        for (size_t at = 0; at < total; ++at) {
+            const bool bMoved
+                = next < end && (static_cast<size_t>(moves[next].row) <= at || old == parent->m_children.end());
+            if (bMoved) {
+                moves[next].node->m_parent = parent;
+                merged.emplace_back(moves[next++].node);
+            } else {
+                merged.push_back(std::move(*old++));
+            }
+        }
+        parent->m_children = std::move(merged);
+        renumber(parent, 0);
+        begin = end;
+    }
+    if (bGroups)
+        departmentsChanged();
+    std::vector<const OrgNode*> nodes;
+    for (const NodeMove& move : moves)
+        nodes.push_back(move.node);
+    notify([&nodes](OrgChartListener& l) { l.treeRestructured(nodes); });
+    return back;
 }
 
 void OrgChart::reorderChildren(OrgNode* parent, const std::vector<int>& order)
@@ -512,7 +627,8 @@ void OrgChart::registerSubtree(OrgNode* node, std::vector<int>* gainedMembers)
         placements.push_back(current);
     };
     add(node);
-    walk(node, add);
+    if (node->childCount() > 0)
+        walk(node, add);
 }
 
 void OrgChart::unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers)
@@ -532,15 +648,16 @@ void OrgChart::unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers)
             return;
         }
         --m_placementCount;
+        // An emptied list stays for the member's next placement: moving thousands of members out and
+        // in again then allocates nothing.
         auto it = m_placements.find(current->memberId());
         std::erase(it->second, current);
-        if (it->second.empty()) {
-            m_placements.erase(it);
+        if (it->second.empty())
             lostMembers->push_back(current->memberId());
-        }
     };
     remove(node);
-    walk(node, remove);
+    if (node->childCount() > 0)
+        walk(node, remove);
     // Another department carries the same identifier: it becomes the one found.
     for (const int id : orphanedGroupIds) {
         forEachGroup([&](OrgNode* group) {
@@ -557,7 +674,7 @@ void OrgChart::insertMember(int row, MemberRecord member)
     row = std::clamp(row, 0, memberCount());
     notify([&](OrgChartListener& l) { l.membersAboutToBeInserted(row, row); });
     m_members.insert(m_members.begin() + row, std::move(member));
-    reindexMembers();
+    reindexMembersFrom(row, {});
     notify([&](OrgChartListener& l) { l.membersInserted(row, row); });
     notifyPlacementsChanged(m_members[static_cast<size_t>(row)].K_MemberID);
 }
@@ -565,7 +682,7 @@ void OrgChart::insertMember(int row, MemberRecord member)
 void OrgChart::appendMemberQuietly(MemberRecord member)
 {
     if (!m_rowById.contains(member.K_MemberID))
-        m_rowById.insert(member.K_MemberID, memberCount());
+        m_rowById.set(member.K_MemberID, memberCount());
     m_members.push_back(std::move(member));
 }
 
@@ -574,7 +691,7 @@ MemberRecord OrgChart::takeMember(int row)
     notify([&](OrgChartListener& l) { l.membersAboutToBeRemoved(row, row); });
     MemberRecord taken = std::move(m_members[static_cast<size_t>(row)]);
     m_members.erase(m_members.begin() + row);
-    reindexMembers();
+    reindexMembersFrom(row, {taken.K_MemberID});
     notify([&](OrgChartListener& l) { l.membersRemoved(row, row); });
     notifyPlacementsChanged(taken.K_MemberID);
     return taken;
@@ -586,18 +703,21 @@ std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
     std::vector<MemberRecord> taken;
     taken.reserve(rows.size());
     if (ranges.size() > kMaxSeparateRanges) {
-        // One pass over the whole list: erasing range by range would move the list once per range.
+        // One pass from the first row taken, in place: erasing range by range would move the list
+        // once per range.
         notify([&rows](OrgChartListener& l) { l.membersAboutToBeRemovedAt(rows); });
-        std::vector<MemberRecord> kept;
-        kept.reserve(m_members.size() - rows.size());
         auto next = rows.begin();
-        for (int row = 0; row < memberCount(); ++row) {
-            const bool take = next != rows.end() && *next == row;
-            (take ? taken : kept).push_back(std::move(m_members[static_cast<size_t>(row)]));
-            next += take ? 1 : 0;
+        size_t kept = static_cast<size_t>(rows.front());
+        for (size_t row = kept; row < m_members.size(); ++row) {
+            if (next != rows.end() && *next == static_cast<int>(row)) {
+                taken.push_back(std::move(m_members[row]));
+                ++next;
+            } else {
+                m_members[kept++] = std::move(m_members[row]);
+            }
         }
-        m_members = std::move(kept);
-        reindexMembers();
+        m_members.resize(kept);
+        reindexMembersFrom(rows.front(), idsOf(taken));
         notify([&rows](OrgChartListener& l) { l.membersRemovedAt(rows); });
     } else {
         taken.resize(rows.size());
@@ -609,7 +729,9 @@ std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
             for (int row = last; row >= first; --row)
                 taken[--next] = std::move(m_members[static_cast<size_t>(row)]);
             m_members.erase(m_members.begin() + first, m_members.begin() + last + 1);
-            reindexMembers();
+            reindexMembersFrom(first,
+                idsOf({taken.begin() + static_cast<long>(next),
+                    taken.begin() + static_cast<long>(next) + (last - first + 1)}));
             notify([&](OrgChartListener& l) { l.membersRemoved(first, last); });
         }
     }
@@ -623,16 +745,17 @@ void OrgChart::insertMembers(const std::vector<int>& rows, std::vector<MemberRec
     const auto ranges = contiguousRanges(rows);
     if (ranges.size() > kMaxSeparateRanges) {
         notify([&rows](OrgChartListener& l) { l.membersAboutToBeInsertedAt(rows); });
-        std::vector<MemberRecord> merged;
-        merged.reserve(m_members.size() + members.size());
-        auto old = m_members.begin();
-        size_t next = 0;
-        for (int row = 0; row < static_cast<int>(m_members.size() + members.size()); ++row) {
-            const bool fresh = next < rows.size() && rows[next] == row;
-            merged.push_back(std::move(fresh ? members[next++] : *old++));
+        // In place from the end: every row moves once, to where it belongs.
+        long old = static_cast<long>(m_members.size()) - 1;
+        long next = static_cast<long>(members.size()) - 1;
+        m_members.resize(m_members.size() + members.size());
+        for (long row = static_cast<long>(m_members.size()) - 1; next >= 0; --row) {
+            if (rows[static_cast<size_t>(next)] == row)
+                m_members[static_cast<size_t>(row)] = std::move(members[static_cast<size_t>(next--)]);
+            else
+                m_members[static_cast<size_t>(row)] = std::move(m_members[static_cast<size_t>(old--)]);
         }
-        m_members = std::move(merged);
-        reindexMembers();
+        reindexMembersFrom(rows.front(), {});
         notify([&rows](OrgChartListener& l) { l.membersInsertedAt(rows); });
     } else {
         size_t next = 0;
@@ -642,7 +765,7 @@ void OrgChart::insertMembers(const std::vector<int>& rows, std::vector<MemberRec
             m_members.insert(m_members.begin() + first, std::make_move_iterator(from),
                 std::make_move_iterator(from + (last - first + 1)));
             next += static_cast<size_t>(last - first + 1);
-            reindexMembers();
+            reindexMembersFrom(first, {});
             notify([&](OrgChartListener& l) { l.membersInserted(first, last); });
         }
     }
@@ -663,13 +786,29 @@ void OrgChart::setMember(int row, const MemberRecord& member)
         notifyPlacementsChanged(member.K_MemberID);
 }
 
+void OrgChart::reindexMembersFrom(int first, const std::vector<int>& goneIds)
+{
+    // Rows before `first` did not move and keep their claim; from the last row up, the smallest
+    // row at or after `first` wins, as a search from the top finds it.
+    for (int row = memberCount() - 1; row >= first; --row) {
+        const int id = m_members[static_cast<size_t>(row)].K_MemberID;
+        const int known = m_rowById.value(id);
+        if (known < 0 || known >= first)
+            m_rowById.set(id, row);
+    }
+    for (const int id : goneIds) {
+        const int known = m_rowById.value(id);
+        if (known >= 0 && (known >= memberCount() || m_members[static_cast<size_t>(known)].K_MemberID != id))
+            m_rowById.remove(id);
+    }
+}
+
 void OrgChart::reindexMembers()
 {
     m_rowById.clear();
-    m_rowById.reserve(memberCount());
     // Of several members with one identifier the first counts, as a search from the top finds it.
     for (int row = memberCount() - 1; row >= 0; --row)
-        m_rowById.insert(m_members[static_cast<size_t>(row)].K_MemberID, row);
+        m_rowById.set(m_members[static_cast<size_t>(row)].K_MemberID, row);
 }
 
 void OrgChart::notifyMembersChanged(const std::vector<int>& memberIds)

@@ -3,6 +3,7 @@
 #include "orgchart/MemberRecord.h"
 #include "orgchart/OrgNode.h"
 #include "orgchart/Revision.h"
+#include "orgchart/RowIndex.h"
 
 #include <QHash>
 
@@ -21,6 +22,14 @@ struct DetachedNode
     OrgNode* parent = nullptr;
     int row = 0;
     std::unique_ptr<OrgNode> node;
+};
+
+// Where a node of the tree goes: the place `row` under `parent`.
+struct NodeMove
+{
+    OrgNode* node = nullptr;
+    OrgNode* parent = nullptr;
+    int row = 0;
 };
 
 // The organisation chart in memory: the department tree with the members placed in it, and the
@@ -63,6 +72,8 @@ public:
     std::vector<OrgNode*> placementsInTreeOrder(int memberId) const;
     // Nodes of the tree in the order the tree shows them.
     std::vector<OrgNode*> inTreeOrder(std::vector<OrgNode*> nodes) const;
+    // Whether the tree shows `a` before `b` (a department before what lies below it).
+    static bool isBefore(const OrgNode* a, const OrgNode* b);
     // The member's node directly under `group`, or nullptr.
     OrgNode* placementIn(const OrgNode* group, int memberId) const;
     // Whether `node` is `ancestor` or lies below it.
@@ -122,6 +133,10 @@ public:
     // Inserts each node at its place, in the order given; under one parent the places must ascend
     // (they are the places the nodes have afterwards).
     void insertNodes(std::vector<DetachedNode> nodes);
+    // Moves nodes (none within another or under another that moves) with their subtrees to new
+    // places, as one change; under one parent the places must ascend in the order given. Returns
+    // the places they had, in the same form, to move them back.
+    std::vector<NodeMove> moveNodes(std::vector<NodeMove> moves);
     // Puts the children of `parent` in a new order: `order[i]` is the old place of the new child i.
     void reorderChildren(OrgNode* parent, const std::vector<int>& order);
     void renameGroup(OrgNode* group, const QString& name);
@@ -142,6 +157,8 @@ private:
     void renumber(OrgNode* parent, int from);
     void departmentsChanged() { m_departmentRevision = Revision::next(); }
     void reindexMembers();
+    // After the rows from `first` on changed; `goneIds` are those of the members taken out.
+    void reindexMembersFrom(int first, const std::vector<int>& goneIds);
     void notifyMembersChanged(const std::vector<int>& memberIds);
     void notifyPlacementsChanged(int memberId);
     template <typename F>
@@ -154,7 +171,7 @@ private:
     int m_groupCount = 0;
     int m_placementCount = 0;
     std::vector<MemberRecord> m_members;
-    QHash<int, int> m_rowById;
+    RowIndex m_rowById;
     std::vector<OrgChartListener*> m_listeners;
     quint64 m_revision = 0;
     quint64 m_departmentRevision = Revision::next();

@@ -34,9 +34,10 @@ public:
     virtual void nodeReparented(const OrgNode* /*oldParent*/, int /*from*/, const OrgNode* /*newParent*/, int /*to*/) {
     }
     // Nodes were inserted or removed under too many parents, or in too many places, to tell one by
-    // one; the nodes that stay keep their identity.
+    // one; the nodes that stay keep their identity. `nodes` are those put in or taken out (these
+    // hang nowhere now).
     virtual void treeAboutToBeRestructured() { }
-    virtual void treeRestructured() { }
+    virtual void treeRestructured(const std::vector<const OrgNode*>& /*nodes*/) { }
     virtual void nodeChanged(const OrgNode* /*node*/) { }
 
     virtual void membersAboutToBeInserted(int /*first*/, int /*last*/) { }

@@ -19,7 +19,7 @@ namespace {
 // follows each range in time proportional to the whole list.
 constexpr size_t kMaxViewRanges = 8;
 // Beyond this many placements changed at once the departments column is redrawn whole.
-constexpr int kMaxSeparateCells = 64;
+constexpr size_t kMaxSeparateCells = 64;
 
 std::vector<int> rowsFrom(int first, int last)
 {
@@ -219,8 +219,7 @@ void MemberListModel::setFilter(MemberListRows::Filter filter)
 {
     if (filter == m_rows.filter())
         return;
-    const bool bPending = m_bAllChanged || !m_changedIds.isEmpty();
-    std::vector<int> target = m_rows.rowsFor(filter, !bPending);
+    std::vector<int> target = m_rows.rowsFor(filter, m_changedIds.isEmpty() && !m_bAllChanged);
     m_changedIds.clear();
     m_bAllChanged = false;
     m_refilter.stop();
@@ -231,14 +230,13 @@ void MemberListModel::setFilter(MemberListRows::Filter filter)
 void MemberListModel::reapplyFilter()
 {
     m_refilter.stop();
-    const bool bAll = std::exchange(m_bAllChanged, false);
     const QSet<int> ids = std::exchange(m_changedIds, {});
-    if (!m_rows.filter().isActive() || (!bAll && ids.isEmpty()))
-        return;
-    if (bAll) {
+    if (std::exchange(m_bAllChanged, false) && m_rows.filter().isActive()) {
         showTarget(m_rows.rowsFor(m_rows.filter()));
         return;
     }
+    if (!m_rows.filter().isActive() || ids.isEmpty())
+        return;
     std::vector<int> rows;
     for (const int id : ids) {
         const int row = m_chart.rowOf(id);
@@ -274,20 +272,15 @@ void MemberListModel::showTarget(const std::vector<int>& target)
 
 void MemberListModel::markChanged(const std::vector<int>& memberIds)
 {
-    if (!m_rows.filter().isActive() || m_bAllChanged)
+    if (!m_rows.filter().isActive() || memberIds.empty() || m_bAllChanged)
         return;
-    for (const int id : memberIds)
-        m_changedIds.insert(id);
-    m_refilter.start();
-}
-
-void MemberListModel::markAllChanged()
-{
-    // Departments are looked at only by the search text.
-    if (m_rows.filter().text.isEmpty())
-        return;
-    m_bAllChanged = true;
-    m_changedIds.clear();
+    if (static_cast<int>(memberIds.size() + m_changedIds.size()) > m_chart.memberCount() / 4) {
+        m_bAllChanged = true;
+        m_changedIds.clear();
+    } else {
+        for (const int id : memberIds)
+            m_changedIds.insert(id);
+    }
     m_refilter.start();
 }
 
@@ -415,19 +408,23 @@ void MemberListModel::membersChanged(const std::vector<int>& rows)
     markChanged(ids);
 }
 
-void MemberListModel::placementsChanged(const OrgNode* parent, int first, int last)
+void MemberListModel::placementsChanged(const std::vector<const OrgNode*>& nodes)
 {
     std::vector<int> ids;
-    for (int i = first; i <= last; ++i) {
-        const OrgNode* node = parent->child(i);
-        if (node->isGroup()) {
-            departmentsShownChanged();
-            markAllChanged();
-            return;
+    bool bDepartments = false;
+    std::vector<const OrgNode*> pending(nodes.begin(), nodes.end());
+    while (!pending.empty()) {
+        const OrgNode* node = pending.back();
+        pending.pop_back();
+        if (node->isMember()) {
+            ids.push_back(node->memberId());
+            continue;
         }
-        ids.push_back(node->memberId());
+        bDepartments = true;
+        for (int i = 0; i < node->childCount(); ++i)
+            pending.push_back(node->child(i));
     }
-    if (last - first >= kMaxSeparateCells) {
+    if (bDepartments || ids.size() > kMaxSeparateCells) {
         departmentsShownChanged();
     } else {
         for (const int id : ids) {
@@ -441,32 +438,32 @@ void MemberListModel::placementsChanged(const OrgNode* parent, int first, int la
 
 void MemberListModel::nodesInserted(const OrgNode* parent, int first, int last)
 {
-    placementsChanged(parent, first, last);
+    std::vector<const OrgNode*> nodes;
+    for (int i = first; i <= last; ++i)
+        nodes.push_back(parent->child(i));
+    placementsChanged(nodes);
 }
 
 void MemberListModel::nodesAboutToBeRemoved(const OrgNode* parent, int first, int last)
 {
-    placementsChanged(parent, first, last);
+    nodesInserted(parent, first, last);
 }
 
 void MemberListModel::nodeReparented(const OrgNode*, int, const OrgNode* newParent, int to)
 {
-    placementsChanged(newParent, to, to);
+    placementsChanged({newParent->child(to)});
 }
 
-void MemberListModel::treeRestructured()
+void MemberListModel::treeRestructured(const std::vector<const OrgNode*>& nodes)
 {
-    departmentsShownChanged();
-    markAllChanged();
+    placementsChanged(nodes);
 }
 
 void MemberListModel::nodeChanged(const OrgNode* node)
 {
-    // A department renamed; a member node changes only its rank or the name the list shows anyway.
-    if (node->isGroup()) {
-        departmentsShownChanged();
-        markAllChanged();
-    }
+    // A department renamed changes the paths below it; a member node changes only its rank.
+    if (node->isGroup())
+        placementsChanged({node});
 }
 
 } // namespace sable

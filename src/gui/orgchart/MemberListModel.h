@@ -93,7 +93,7 @@ private:
     void nodesInserted(const OrgNode* parent, int first, int last) override;
     void nodesAboutToBeRemoved(const OrgNode* parent, int first, int last) override;
     void nodeReparented(const OrgNode* oldParent, int from, const OrgNode* newParent, int to) override;
-    void treeRestructured() override;
+    void treeRestructured(const std::vector<const OrgNode*>& nodes) override;
     void nodeMoved(const OrgNode*, int, int) override { departmentsShownChanged(); }
     void childrenReordered(const OrgNode*) override { departmentsShownChanged(); }
     void nodeChanged(const OrgNode* node) override;
@@ -102,8 +102,8 @@ private:
     void showTarget(const std::vector<int>& target);
     // Members whose fields or departments changed: looked at again once the edit is done.
     void markChanged(const std::vector<int>& memberIds);
-    void markAllChanged();
-    void placementsChanged(const OrgNode* parent, int first, int last);
+    // The members placed in the nodes or anywhere below them: their departments change with them.
+    void placementsChanged(const std::vector<const OrgNode*>& nodes);
     void departmentsShownChanged();
     void setFilter(MemberListRows::Filter filter);
 
@@ -112,7 +112,7 @@ private:
     DepartmentPaths m_paths;
     MemberListRows m_rows;
     QSet<int> m_changedIds;
-    bool m_bAllChanged = false;
+    bool m_bAllChanged = false; // so many that one pass over the list is quicker
     QTimer m_refilter;
     bool m_bResetting = false;
     bool m_bAddingByEntry = false;

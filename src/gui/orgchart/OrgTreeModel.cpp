@@ -291,7 +291,7 @@ void OrgTreeModel::treeAboutToBeRestructured()
     keepPersistentNodes();
 }
 
-void OrgTreeModel::treeRestructured()
+void OrgTreeModel::treeRestructured(const std::vector<const OrgNode*>&)
 {
     restorePersistentNodes();
     Q_EMIT layoutChanged();

@@ -71,7 +71,7 @@ private:
     void nodeAboutToBeReparented(const OrgNode* oldParent, int from, const OrgNode* newParent, int to) override;
     void nodeReparented(const OrgNode* oldParent, int from, const OrgNode* newParent, int to) override;
     void treeAboutToBeRestructured() override;
-    void treeRestructured() override;
+    void treeRestructured(const std::vector<const OrgNode*>& nodes) override;
     void nodeChanged(const OrgNode* node) override;
     void keepPersistentNodes();
     void restorePersistentNodes();

@@ -85,7 +85,7 @@ private:
     void nodeMoved(const OrgNode*, int, int) override { m_rebuild.start(); }
     void childrenReordered(const OrgNode*) override { m_rebuild.start(); }
     void nodeReparented(const OrgNode*, int, const OrgNode*, int) override { m_rebuild.start(); }
-    void treeRestructured() override { m_rebuild.start(); }
+    void treeRestructured(const std::vector<const OrgNode*>&) override { m_rebuild.start(); }
     void nodeChanged(const OrgNode* node) override;
     void memberChanged(int row) override;
     void membersChanged(const std::vector<int>& rows) override;
