@@ -128,6 +128,7 @@ private Q_SLOTS:
     void commandStates();
     void dragMembersOntoDepartment();
     void renameInPlace();
+    void unsavedMarkAndMoveCommand();
     void cellLimitBalloon();
     void saveRefusedOrDeclined();
     void closeQuestion_data();
@@ -257,6 +258,30 @@ void TestConsoleWindow::renameInPlace()
     const QModelIndex member
         = form->treeModel()->index(0, 0, form->treeModel()->indexOf(frame.document().chart().findGroup(3)));
     QVERIFY(!(form->treeModel()->flags(member) & Qt::ItemIsEditable));
+}
+
+void TestConsoleWindow::unsavedMarkAndMoveCommand()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    QCOMPARE(frame.windowTitle(), QStringLiteral("SableManager[*]"));
+    QVERIFY(!frame.isWindowModified());
+    COrganizeFormView* form = m_console->editor();
+    OrgChart& chart = frame.document().chart();
+    // Nothing to move while the top department is selected; a department moves where it is put.
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(chart.rootGroup()));
+    QVERIFY(!frame.action(Cmd::kMoveToDepartment)->isEnabled());
+    QCOMPARE(frame.action(Cmd::kMoveToDepartment)->text(), QStringLiteral("부서 이동(&V)..."));
+    form->setDepartmentPicker(
+        [&chart](const OrgNode* moving) { return moving == chart.findGroup(7) ? chart.findGroup(8) : nullptr; });
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(chart.findGroup(7)));
+    QVERIFY(frame.action(Cmd::kMoveToDepartment)->isEnabled());
+    frame.runCommand(Cmd::kMoveToDepartment);
+    QCOMPARE(chart.findGroup(7)->parent(), chart.findGroup(8));
+    QVERIFY(frame.isWindowModified());
+    frame.action(Cmd::kUndo)->trigger();
+    QCOMPARE(chart.findGroup(7)->parent(), chart.findGroup(5));
+    QVERIFY(!frame.isWindowModified());
 }
 
 void TestConsoleWindow::cellLimitBalloon()

@@ -48,6 +48,7 @@ public:
     void setSearchText(const QString& text);
     void setOnlyWithoutDepartment(bool on);
     bool isFiltering() const { return m_rows.filter().isActive(); }
+    const QString& searchText() const { return m_rows.filter().text; }
     // Members shown, and members in all.
     int shownCount() const { return m_rows.count(); }
     int memberCount() const;

@@ -237,6 +237,9 @@ Qt::ItemFlags MembershipRankModel::flags(const QModelIndex& index) const
 
 void MembershipRankModel::nodeChanged(const OrgNode* node)
 {
+    // A rank or a department's name changed: what the search finds may have changed with it.
+    if (!m_search.isEmpty())
+        m_rebuild.start();
     if (node->isGroup() && !m_rows.empty()) {
         Q_EMIT dataChanged(index(0, ColDepartment), index(static_cast<int>(m_rows.size()) - 1, ColDepartment));
         return;
@@ -253,6 +256,8 @@ void MembershipRankModel::membersChanged(const std::vector<int>&)
 
 void MembershipRankModel::memberChanged(int)
 {
+    if (!m_search.isEmpty())
+        m_rebuild.start();
     // A login ID changed somewhere; the rows show it on their next paint.
     if (!m_rows.empty())
         Q_EMIT dataChanged(index(0, ColLoginId), index(static_cast<int>(m_rows.size()) - 1, ColLoginId));
