@@ -401,56 +401,58 @@ std::vector<DetachedNode> OrgChart::takeNodes(const std::vector<OrgNode*>& nodes
     std::sort(taken.begin(), taken.end(), [](const DetachedNode& a, const DetachedNode& b) {
         return a.parent != b.parent ? std::less<>()(a.parent, b.parent) : a.row < b.row;
     });
-    const size_t ranges = countRanges(taken);
     std::vector<int> lost;
-    bool bGroups = false;
-    const auto detach = [&](DetachedNode& place, std::unique_ptr<OrgNode> node) {
-        bGroups = bGroups || node->isGroup();
-        unregisterSubtree(node.get(), &lost);
-        node->m_parent = nullptr;
-        place.node = std::move(node);
-    };
-    if (ranges <= kMaxSeparateRanges) {
-        // Range by range from the last, so that the earlier places keep their numbers meanwhile.
-        for (size_t end = taken.size(); end > 0;) {
-            size_t begin = end - 1;
-            while (begin > 0 && taken[begin - 1].parent == taken[begin].parent
-                && taken[begin - 1].row + 1 == taken[begin].row)
-                --begin;
-            OrgNode* parent = taken[begin].parent;
-            const int first = taken[begin].row;
-            const int last = taken[end - 1].row;
-            notify([&](OrgChartListener& l) { l.nodesAboutToBeRemoved(parent, first, last); });
-            auto& children = parent->m_children;
-            for (size_t i = begin; i < end; ++i)
-                detach(taken[i], std::move(children[static_cast<size_t>(taken[i].row)]));
-            children.erase(children.begin() + first, children.begin() + last + 1);
-            renumber(parent, first);
-            if (bGroups)
-                departmentsChanged();
-            notify([&](OrgChartListener& l) { l.nodesRemoved(parent, first, last); });
-            end = begin;
-        }
-    } else {
-        notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
-        for (DetachedNode& place : taken)
-            detach(place, std::move(place.parent->m_children[static_cast<size_t>(place.row)]));
-        for (size_t i = 0; i < taken.size(); ++i) {
-            if (i > 0 && taken[i - 1].parent == taken[i].parent)
-                continue;
-            OrgNode* parent = taken[i].parent;
-            std::erase_if(parent->m_children, [](const std::unique_ptr<OrgNode>& child) { return !child; });
-            renumber(parent, 0);
-        }
-        if (bGroups)
-            departmentsChanged();
-        std::vector<const OrgNode*> gone;
-        for (const DetachedNode& place : taken)
-            gone.push_back(place.node.get());
-        notify([&gone](OrgChartListener& l) { l.treeRestructured(gone); });
-    }
+    if (countRanges(taken) <= kMaxSeparateRanges)
+        takeByRanges(taken, lost);
+    else
+        takeAtOnce(taken, lost);
     notifyMembersChanged(lost);
     return taken;
+}
+
+void OrgChart::detach(DetachedNode& place, std::vector<int>& lostMembers)
+{
+    std::unique_ptr<OrgNode> node = std::move(place.parent->m_children[static_cast<size_t>(place.row)]);
+    unregisterSubtree(node.get(), &lostMembers);
+    node->m_parent = nullptr;
+    if (node->isGroup())
+        departmentsChanged();
+    place.node = std::move(node);
+}
+
+void OrgChart::takeByRanges(std::vector<DetachedNode>& taken, std::vector<int>& lost)
+{
+    // Range by range from the last, so that the earlier places keep their numbers meanwhile.
+    for (size_t end = taken.size(); end > 0;) {
+        size_t begin = end - 1;
+        while (
+            begin > 0 && taken[begin - 1].parent == taken[begin].parent && taken[begin - 1].row + 1 == taken[begin].row)
+            --begin;
+        OrgNode* parent = taken[begin].parent;
+        const int first = taken[begin].row;
+        const int last = taken[end - 1].row;
+        notify([&](OrgChartListener& l) { l.nodesAboutToBeRemoved(parent, first, last); });
+        for (size_t i = begin; i < end; ++i)
+            detach(taken[i], lost);
+        dropEmptyChildren(parent);
+        notify([&](OrgChartListener& l) { l.nodesRemoved(parent, first, last); });
+        end = begin;
+    }
+}
+
+void OrgChart::takeAtOnce(std::vector<DetachedNode>& taken, std::vector<int>& lost)
+{
+    notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
+    for (DetachedNode& place : taken)
+        detach(place, lost);
+    for (size_t i = 0; i < taken.size(); ++i) {
+        if (i == 0 || taken[i - 1].parent != taken[i].parent)
+            dropEmptyChildren(taken[i].parent);
+    }
+    std::vector<const OrgNode*> gone;
+    for (const DetachedNode& place : taken)
+        gone.push_back(place.node.get());
+    notify([&gone](OrgChartListener& l) { l.treeRestructured(gone); });
 }
 
 void OrgChart::insertNodes(std::vector<DetachedNode> nodes)
@@ -458,67 +460,63 @@ void OrgChart::insertNodes(std::vector<DetachedNode> nodes)
     // Under each parent in the order given, the parents one after the other.
     std::stable_sort(nodes.begin(), nodes.end(),
         [](const DetachedNode& a, const DetachedNode& b) { return std::less<>()(a.parent, b.parent); });
-    const size_t ranges = countRanges(nodes);
     std::vector<int> gained;
-    bool bGroups = false;
-    const auto attach = [&](DetachedNode& place) {
-        OrgNode* node = place.node.get();
-        bGroups = bGroups || node->isGroup();
-        node->m_parent = place.parent;
-        registerSubtree(node, &gained);
-        return std::move(place.node);
-    };
-    if (ranges <= kMaxSeparateRanges) {
-        for (size_t begin = 0; begin < nodes.size();) {
-            size_t end = begin + 1;
-            while (end < nodes.size() && nodes[end].parent == nodes[begin].parent
-                && nodes[end].row == nodes[end - 1].row + 1)
-                ++end;
-            OrgNode* parent = nodes[begin].parent;
-            const int first = std::clamp(nodes[begin].row, 0, parent->childCount());
-            const int last = first + static_cast<int>(end - begin) - 1;
-            notify([&](OrgChartListener& l) { l.nodesAboutToBeInserted(parent, first, last); });
-            std::vector<std::unique_ptr<OrgNode>> inserted;
-            for (size_t i = begin; i < end; ++i)
-                inserted.push_back(attach(nodes[i]));
-            parent->m_children.insert(parent->m_children.begin() + first, std::make_move_iterator(inserted.begin()),
-                std::make_move_iterator(inserted.end()));
-            renumber(parent, first);
-            if (bGroups)
-                departmentsChanged();
-            notify([&](OrgChartListener& l) { l.nodesInserted(parent, first, last); });
-            begin = end;
-        }
-    } else {
-        notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
-        std::vector<const OrgNode*> inserted;
-        for (const DetachedNode& place : nodes)
-            inserted.push_back(place.node.get());
-        for (size_t begin = 0; begin < nodes.size();) {
-            OrgNode* parent = nodes[begin].parent;
-            size_t end = begin;
-            while (end < nodes.size() && nodes[end].parent == parent)
-                ++end;
-            // One pass: every inserted node at its place, the old children in order around them.
-            std::vector<std::unique_ptr<OrgNode>> merged;
-            const size_t total = parent->m_children.size() + (end - begin);
-            merged.reserve(total);
-            auto old = parent->m_children.begin();
-            size_t next = begin;
-            for (size_t at = 0; at < total; ++at) {
-                const bool fresh
-                    = next < end && (static_cast<size_t>(nodes[next].row) <= at || old == parent->m_children.end());
-                merged.push_back(fresh ? attach(nodes[next++]) : std::move(*old++));
-            }
-            parent->m_children = std::move(merged);
-            renumber(parent, 0);
-            begin = end;
-        }
-        if (bGroups)
-            departmentsChanged();
-        notify([&inserted](OrgChartListener& l) { l.treeRestructured(inserted); });
-    }
+    if (countRanges(nodes) <= kMaxSeparateRanges)
+        insertByRanges(nodes, gained);
+    else
+        insertAtOnce(nodes, gained);
     notifyMembersChanged(gained);
+}
+
+std::unique_ptr<OrgNode> OrgChart::attach(DetachedNode& place, std::vector<int>& gainedMembers)
+{
+    OrgNode* node = place.node.get();
+    node->m_parent = place.parent;
+    registerSubtree(node, &gainedMembers);
+    if (node->isGroup())
+        departmentsChanged();
+    return std::move(place.node);
+}
+
+void OrgChart::insertByRanges(std::vector<DetachedNode>& nodes, std::vector<int>& gained)
+{
+    for (size_t begin = 0; begin < nodes.size();) {
+        size_t end = begin + 1;
+        while (
+            end < nodes.size() && nodes[end].parent == nodes[begin].parent && nodes[end].row == nodes[end - 1].row + 1)
+            ++end;
+        OrgNode* parent = nodes[begin].parent;
+        const int first = std::clamp(nodes[begin].row, 0, parent->childCount());
+        const int last = first + static_cast<int>(end - begin) - 1;
+        notify([&](OrgChartListener& l) { l.nodesAboutToBeInserted(parent, first, last); });
+        std::vector<std::unique_ptr<OrgNode>> inserted;
+        for (size_t i = begin; i < end; ++i)
+            inserted.push_back(attach(nodes[i], gained));
+        parent->m_children.insert(parent->m_children.begin() + first, std::make_move_iterator(inserted.begin()),
+            std::make_move_iterator(inserted.end()));
+        renumber(parent, first);
+        notify([&](OrgChartListener& l) { l.nodesInserted(parent, first, last); });
+        begin = end;
+    }
+}
+
+void OrgChart::insertAtOnce(std::vector<DetachedNode>& nodes, std::vector<int>& gained)
+{
+    notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
+    std::vector<const OrgNode*> inserted;
+    for (const DetachedNode& place : nodes)
+        inserted.push_back(place.node.get());
+    for (size_t begin = 0; begin < nodes.size();) {
+        size_t end = begin;
+        std::vector<std::pair<int, std::unique_ptr<OrgNode>>> incoming;
+        while (end < nodes.size() && nodes[end].parent == nodes[begin].parent) {
+            incoming.emplace_back(nodes[end].row, attach(nodes[end], gained));
+            ++end;
+        }
+        mergeIntoChildren(nodes[begin].parent, std::move(incoming));
+        begin = end;
+    }
+    notify([&inserted](OrgChartListener& l) { l.treeRestructured(inserted); });
 }
 
 std::vector<NodeMove> OrgChart::moveNodes(std::vector<NodeMove> moves)
@@ -526,10 +524,10 @@ std::vector<NodeMove> OrgChart::moveNodes(std::vector<NodeMove> moves)
     notify([](OrgChartListener& l) { l.treeAboutToBeRestructured(); });
     std::vector<NodeMove> back;
     back.reserve(moves.size());
-    bool bGroups = false;
     for (const NodeMove& move : moves) {
         back.push_back({move.node, move.node->parent(), move.node->row()});
-        bGroups = bGroups || move.node->isGroup();
+        if (move.node->isGroup())
+            departmentsChanged();
     }
     std::sort(back.begin(), back.end(), [](const NodeMove& a, const NodeMove& b) {
         return a.parent != b.parent ? std::less<>()(a.parent, b.parent) : a.row < b.row;
@@ -538,45 +536,49 @@ std::vector<NodeMove> OrgChart::moveNodes(std::vector<NodeMove> moves)
     for (const NodeMove& place : back)
         static_cast<void>(place.parent->m_children[static_cast<size_t>(place.row)].release());
     for (size_t i = 0; i < back.size(); ++i) {
-        if (i == 0 || back[i - 1].parent != back[i].parent) {
-            std::erase_if(back[i].parent->m_children, [](const std::unique_ptr<OrgNode>& child) { return !child; });
-            renumber(back[i].parent, 0);
-        }
+        if (i == 0 || back[i - 1].parent != back[i].parent)
+            dropEmptyChildren(back[i].parent);
     }
-    // In at their new places, parent by parent, the old children in order around them.
     std::stable_sort(moves.begin(), moves.end(),
         [](const NodeMove& a, const NodeMove& b) { return std::less<>()(a.parent, b.parent); });
     for (size_t begin = 0; begin < moves.size();) {
-        OrgNode* parent = moves[begin].parent;
         size_t end = begin;
-        while (end < moves.size() && moves[end].parent == parent)
-            ++end;
-        std::vector<std::unique_ptr<OrgNode>> merged;
-        const size_t total = parent->m_children.size() + (end - begin);
-        merged.reserve(total);
-        auto old = parent->m_children.begin();
-        size_t next = begin;
-        for (size_t at = 0; at < total; ++at) {
-            const bool bMoved
-                = next < end && (static_cast<size_t>(moves[next].row) <= at || old == parent->m_children.end());
-            if (bMoved) {
-                moves[next].node->m_parent = parent;
-                merged.emplace_back(moves[next++].node);
-            } else {
-                merged.push_back(std::move(*old++));
-            }
+        std::vector<std::pair<int, std::unique_ptr<OrgNode>>> incoming;
+        for (; end < moves.size() && moves[end].parent == moves[begin].parent; ++end) {
+            moves[end].node->m_parent = moves[end].parent;
+            incoming.emplace_back(moves[end].row, std::unique_ptr<OrgNode>(moves[end].node));
         }
-        parent->m_children = std::move(merged);
-        renumber(parent, 0);
+        mergeIntoChildren(moves[begin].parent, std::move(incoming));
         begin = end;
     }
-    if (bGroups)
-        departmentsChanged();
     std::vector<const OrgNode*> nodes;
     for (const NodeMove& move : moves)
         nodes.push_back(move.node);
     notify([&nodes](OrgChartListener& l) { l.treeRestructured(nodes); });
     return back;
+}
+
+void OrgChart::dropEmptyChildren(OrgNode* parent)
+{
+    std::erase_if(parent->m_children, [](const std::unique_ptr<OrgNode>& child) { return !child; });
+    renumber(parent, 0);
+}
+
+void OrgChart::mergeIntoChildren(OrgNode* parent, std::vector<std::pair<int, std::unique_ptr<OrgNode>>> incoming)
+{
+    // One pass: every incoming node at its place, the old children in order around them.
+    std::vector<std::unique_ptr<OrgNode>> merged;
+    const size_t total = parent->m_children.size() + incoming.size();
+    merged.reserve(total);
+    auto old = parent->m_children.begin();
+    auto next = incoming.begin();
+    for (size_t at = 0; at < total; ++at) {
+        const bool bIncoming
+            = next != incoming.end() && (static_cast<size_t>(next->first) <= at || old == parent->m_children.end());
+        merged.push_back(bIncoming ? std::move((next++)->second) : std::move(*old++));
+    }
+    parent->m_children = std::move(merged);
+    renumber(parent, 0);
 }
 
 void OrgChart::reorderChildren(OrgNode* parent, const std::vector<int>& order)

@@ -155,6 +155,16 @@ private:
     void registerSubtree(OrgNode* node, std::vector<int>* gainedMembers);
     void unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers);
     void renumber(OrgNode* parent, int from);
+    void detach(DetachedNode& place, std::vector<int>& lostMembers);
+    std::unique_ptr<OrgNode> attach(DetachedNode& place, std::vector<int>& gainedMembers);
+    void takeByRanges(std::vector<DetachedNode>& taken, std::vector<int>& lost);
+    void takeAtOnce(std::vector<DetachedNode>& taken, std::vector<int>& lost);
+    void insertByRanges(std::vector<DetachedNode>& nodes, std::vector<int>& gained);
+    void insertAtOnce(std::vector<DetachedNode>& nodes, std::vector<int>& gained);
+    // Closes the gaps left by children taken out.
+    void dropEmptyChildren(OrgNode* parent);
+    // Puts nodes among the children of `parent`, each at its place (ascending), in one pass.
+    void mergeIntoChildren(OrgNode* parent, std::vector<std::pair<int, std::unique_ptr<OrgNode>>> incoming);
     void departmentsChanged() { m_departmentRevision = Revision::next(); }
     void reindexMembers();
     // After the rows from `first` on changed; `goneIds` are those of the members taken out.

@@ -168,7 +168,7 @@ void OrgTreeView::paintEvent(QPaintEvent* event)
         return;
     }
     painter.setPen(QPen(highlight, 2));
-    highlight.setAlpha(50);
+    highlight.setAlpha(70);
     painter.setBrush(highlight);
     painter.drawRect(m_target.marker.adjusted(1, 1, -1, -1));
 }
