@@ -376,9 +376,13 @@ void TestChartEditor::rankGridSearch()
     QCOMPARE(grid->rowCount(), 1);
     ranks.searchBox()->setText(QStringLiteral("대표"));
     QCOMPARE(grid->index(0, MembershipRankModel::ColLoginId).data().toString(), QStringLiteral("jhkim"));
-    // The grid keeps its search when the chart changes under it.
+    // The grid keeps its search, and its selection, when the chart changes under it.
+    ranks.membershipList()->selectRow(0);
     ChartEdits(doc).setRank(doc.chart().placementIn(doc.chart().findGroup(2), 2), 201);
     QTRY_COMPARE(grid->rowCount(), 2);
+    const QModelIndexList selected = ranks.membershipList()->selectionModel()->selectedRows();
+    QCOMPARE(selected.size(), 1);
+    QCOMPARE(selected.first().data().toString(), QStringLiteral("jhkim"));
 }
 
 QTEST_MAIN(TestChartEditor)

@@ -11,6 +11,7 @@
 #include "orgchart/OrgTreeModel.h"
 #include "orgchart/OrgTreeView.h"
 #include "widgets/BalloonTip.h"
+#include "widgets/CutTextDelegate.h"
 #include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
@@ -96,6 +97,7 @@ COrganizeFormView::~COrganizeFormView() = default;
 void COrganizeFormView::setUpTree()
 {
     m_tree->setModel(m_treeModel);
+    m_tree->setItemDelegate(new CutTextDelegate(m_tree));
     m_tree->setHeaderHidden(true);
     m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -242,7 +244,7 @@ void COrganizeFormView::restoreSelection()
     std::vector<int> rows;
     for (const int id : m_keptIds) {
         const int row = rowOf(id);
-        if (row >= 0 && (id >= 0 || chart.rowOf(id) < 0))
+        if (row >= 0)
             rows.push_back(row);
     }
     std::sort(rows.begin(), rows.end());

@@ -119,6 +119,8 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     m_grid->horizontalHeader()->setSectionResizeMode(MembershipRankModel::ColDepartment, QHeaderView::Stretch);
 
     connect(m_rankModel, &QAbstractItemModel::modelReset, m_tree, &QTreeView::expandAll);
+    connect(m_membershipModel, &QAbstractItemModel::modelAboutToBeReset, this, &CPositionFormView::keepGridSelection);
+    connect(m_membershipModel, &QAbstractItemModel::modelReset, this, &CPositionFormView::restoreGridSelection);
     connect(m_rankModel, &RankTreeModel::messageRequested, this,
         [this](const QString& text) { m_prompter.warn(this, text); });
     connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this, &CPositionFormView::selectionChanged);
@@ -198,6 +200,25 @@ void CPositionFormView::setRanksOfSelectedRows(int command)
     for (const QModelIndex& index : m_grid->selectionModel()->selectedRows())
         placements.push_back(m_membershipModel->placementAt(index.row()));
     RankEdits(m_doc).setMembershipRanks(placements, command);
+}
+
+void CPositionFormView::keepGridSelection()
+{
+    m_keptPlacements.clear();
+    for (const QModelIndex& index : m_grid->selectionModel()->selectedRows())
+        m_keptPlacements.push_back(m_membershipModel->placementAt(index.row()));
+}
+
+void CPositionFormView::restoreGridSelection()
+{
+    QItemSelection selection;
+    for (const OrgNode* placement : m_keptPlacements) {
+        const int row = m_membershipModel->rowOf(placement);
+        if (row >= 0)
+            selection.select(m_membershipModel->index(row, 0), m_membershipModel->index(row, 0));
+    }
+    m_grid->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    m_keptPlacements.clear();
 }
 
 void CPositionFormView::showHints()

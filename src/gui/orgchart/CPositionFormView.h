@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <vector>
+
 class QLineEdit;
 class QTableView;
 class QTreeView;
@@ -12,6 +14,7 @@ namespace sable {
 
 class CSableManagerDoc;
 class MembershipRankModel;
+class OrgNode;
 class RankTreeModel;
 struct Balloon;
 
@@ -45,6 +48,8 @@ Q_SIGNALS:
 private:
     void selectRank(int rank);
     void setRanksOfSelectedRows(int command);
+    void keepGridSelection();
+    void restoreGridSelection();
     void showBalloon(const Balloon& balloon);
 
     CSableManagerDoc& m_doc;
@@ -53,6 +58,8 @@ private:
     QTreeView* m_tree;
     QTableView* m_grid;
     QLineEdit* m_search;
+    // The memberships selected while the grid is rebuilt under them.
+    std::vector<const OrgNode*> m_keptPlacements;
     Prompter m_prompter = Prompter::messageBoxes();
     bool m_bBalloonHelp = true;
 };

@@ -64,6 +64,8 @@ public:
     ~MembershipRankModel() override;
 
     OrgNode* placementAt(int row) const;
+    // The row of a placement, or -1 when it is not listed.
+    int rowOf(const OrgNode* placement) const { return m_rowOf.value(placement, -1); }
     // The choices of the rank column: the rank names in order, then "직급없음".
     QStringList rankOptions() const;
     // Rebuilds the rows now (it happens by itself, once, after the chart or the ranks changed).
