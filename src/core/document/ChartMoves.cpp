@@ -20,7 +20,7 @@ constexpr quint32 kMaxDepth = 1024;
 constexpr int kNamesInLabel = 2;
 
 // Told apart from every other console, so that a drag between two of them does nothing.
-const QByteArray& sessionToken()
+const QByteArray& consoleToken()
 {
     static const QByteArray token = QUuid::createUuid().toRfc4122();
     return token;
@@ -191,7 +191,7 @@ QByteArray ChartMoves::nodePayload(const std::vector<OrgNode*>& nodes) const
 {
     QByteArray payload;
     QDataStream out(&payload, QIODevice::WriteOnly);
-    out << kPayloadMagic << sessionToken() << m_doc.chart().revision() << static_cast<quint32>(nodes.size());
+    out << kPayloadMagic << consoleToken() << m_doc.chart().revision() << static_cast<quint32>(nodes.size());
     for (const OrgNode* node : nodes) {
         const std::vector<quint32> path = pathOf(node);
         out << static_cast<quint32>(path.size());
@@ -210,7 +210,7 @@ std::optional<std::vector<OrgNode*>> ChartMoves::nodesOfPayload(const QByteArray
     quint64 revision = 0;
     quint32 count = 0;
     in >> magic >> token >> revision >> count;
-    if (in.status() != QDataStream::Ok || magic != kPayloadMagic || token != sessionToken()
+    if (in.status() != QDataStream::Ok || magic != kPayloadMagic || token != consoleToken()
         || revision != chart.revision() || count == 0
         || count > static_cast<quint32>(chart.groupCount() + chart.placementCount()))
         return std::nullopt;
