@@ -6,11 +6,13 @@
 #include "ChartGenerator.h"
 #include "document/CSableManagerDoc.h"
 #include "document/ChartEdits.h"
+#include "document/ChartMoves.h"
 #include "document/RankEdits.h"
 #include "onboarding/RecipientModel.h"
 #include "onboarding/RecipientSelection.h"
 
 #include <QCoreApplication>
+#include <QHash>
 
 using namespace sable;
 using namespace sable::bench;
@@ -28,6 +30,54 @@ OrgNode* largestDepartment(const OrgChart& chart)
             largest = group;
     });
     return largest;
+}
+
+// The department whose subtree holds the number of member nodes closest to `members`.
+OrgNode* departmentHolding(const OrgChart& chart, int members)
+{
+    QHash<const OrgNode*, int> below;
+    std::vector<OrgNode*> groups;
+    chart.forEachGroup([&groups](OrgNode* group) { groups.push_back(group); });
+    // From the deepest up: each department adds its own members to its parent's count.
+    for (auto it = groups.rbegin(); it != groups.rend(); ++it) {
+        OrgNode* group = *it;
+        for (int i = 0; i < group->childCount(); ++i)
+            below[group] += group->child(i)->isMember() ? 1 : 0;
+        if (group->parent() != chart.invisibleRoot())
+            below[group->parent()] += below[group];
+    }
+    OrgNode* best = nullptr;
+    for (OrgNode* group : groups) {
+        if (group != chart.rootGroup() && (!best || std::abs(below[group] - members) < std::abs(below[best] - members)))
+            best = group;
+    }
+    return best;
+}
+
+int membersBelow(const OrgNode* department)
+{
+    int count = 0;
+    std::vector<const OrgNode*> pending {department};
+    while (!pending.empty()) {
+        const OrgNode* node = pending.back();
+        pending.pop_back();
+        for (int i = 0; i < node->childCount(); ++i) {
+            const OrgNode* child = node->child(i);
+            child->isMember() ? void(++count) : pending.push_back(child);
+        }
+    }
+    return count;
+}
+
+// A department outside `moving` that is not its parent: somewhere for it to go.
+OrgNode* elsewhere(const OrgChart& chart, const OrgNode* moving)
+{
+    OrgNode* found = nullptr;
+    chart.forEachGroup([&](OrgNode* group) {
+        if (!found && !OrgChart::isWithin(group, moving) && group != moving->parent())
+            found = group;
+    });
+    return found;
 }
 
 std::vector<int> everyHundredthRow(const OrgChart& chart, int count)
@@ -110,6 +160,11 @@ int main(int argc, char** argv)
     OrgNode* subtree = chart.rootGroup()->child(chart.rootGroup()->childCount() - 1);
     measure("delete a department with its subtree", [&] { edits.deleteNode(subtree, kYes); });
     undoRedo("delete department");
+    OrgNode* division = departmentHolding(chart, 10000);
+    OrgNode* destination = elsewhere(chart, division);
+    out << "department moved: " << membersBelow(division) << " members below it\n";
+    measure("move a department with its subtree", [&] { ChartMoves(doc).moveDepartment(division, destination); });
+    undoRedo("move department");
     measure("add rank", [&] { ranks.addRank(); });
     measure("delete a rank in use", [&] { ranks.deleteRank(0, kYes); });
     undoRedo("delete rank");

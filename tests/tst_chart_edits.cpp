@@ -64,6 +64,8 @@ private Q_SLOTS:
     void deleteDepartment();
     void cellLimits_data();
     void cellLimits();
+    void birthdays_data();
+    void birthdays();
     void entryRow();
     void leaveRowWithoutPassword();
     void setRankCommands();
@@ -246,6 +248,70 @@ void TestChartEdits::cellLimits()
         QCOMPARE(doc.chart().member(0), before);
         QVERIFY(!doc.isModified());
     }
+}
+
+void TestChartEdits::birthdays_data()
+{
+    QTest::addColumn<QString>("stored"); // before the edit
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("result"); // empty with a refusal
+    QTest::newRow("as the cell shows it") << ""
+                                          << "1985-07-14"
+                                          << "1985-07-14";
+    QTest::newRow("with dots") << ""
+                               << "1985.07.14"
+                               << "1985-07-14";
+    QTest::newRow("with dots and spaces") << ""
+                                          << "1985. 7. 14."
+                                          << "1985-07-14";
+    QTest::newRow("with slashes") << ""
+                                  << "1985/7/4"
+                                  << "1985-07-04";
+    QTest::newRow("digits alone") << ""
+                                  << "19850714"
+                                  << "1985-07-14";
+    QTest::newRow("emptied") << "1985-07-14"
+                             << ""
+                             << "";
+    QTest::newRow("an old text left as it is") << "7월 14일"
+                                               << "7월 14일"
+                                               << "7월 14일";
+    QTest::newRow("day first") << ""
+                               << "14.07.1985"
+                               << "!";
+    QTest::newRow("no such day") << ""
+                                 << "1985-02-30"
+                                 << "!";
+    QTest::newRow("mixed separators") << ""
+                                      << "1985-07.14"
+                                      << "!";
+    QTest::newRow("words") << "1985-07-14"
+                           << "칠월"
+                           << "!";
+}
+
+void TestChartEdits::birthdays()
+{
+    QFETCH(QString, stored);
+    QFETCH(QString, typed);
+    QFETCH(QString, result);
+    CSableManagerDoc doc;
+    smallChart(doc);
+    MemberRecord member = doc.chart().member(0);
+    member.BirthDay = stored;
+    doc.chart().setMember(0, member);
+    const EditOutcome outcome = ChartEdits(doc).editCell(0, ColBirthDay, typed);
+    if (result == QStringLiteral("!")) {
+        QVERIFY(outcome.balloon);
+        QCOMPARE(outcome.balloon->text, QStringLiteral("생년월일은 1985-07-14처럼 입력하세요."));
+        QCOMPARE(outcome.balloon->column, int(ColBirthDay));
+        QCOMPARE(doc.chart().member(0).BirthDay, stored);
+        QVERIFY(!doc.isModified());
+        return;
+    }
+    QVERIFY(!outcome.balloon);
+    QCOMPARE(doc.chart().member(0).BirthDay, result);
+    QCOMPARE(doc.isModified(), result != stored);
 }
 
 void TestChartEdits::entryRow()

@@ -50,7 +50,28 @@ public:
     void nodesAboutToBeRemoved(const OrgNode*, int first, int) override { events << QStringLiteral("-?%1").arg(first); }
     void nodesRemoved(const OrgNode*, int first, int) override { events << QStringLiteral("-%1").arg(first); }
     void memberChanged(int row) override { events << QStringLiteral("m%1").arg(row); }
+    void membersChanged(const std::vector<int>& rows) override { events << QStringLiteral("m*%1").arg(rows.size()); }
+    void treeAboutToBeRestructured() override { events << QStringLiteral("~?"); }
+    void treeRestructured(const std::vector<const OrgNode*>& nodes) override
+    {
+        events << QStringLiteral("~%1").arg(nodes.size());
+    }
 };
+
+// 본사 holding `count` members #1..#count, each in no other department.
+void buildWideChart(OrgChart& chart, int count)
+{
+    ChartBuilder builder(chart);
+    builder.addGroup({1, QStringLiteral("본사"), -1, 1, 0});
+    builder.addGroup({2, QStringLiteral("팀"), 1, count + 1, 1});
+    for (int id = 1; id <= count; ++id) {
+        MemberRecord member;
+        member.K_MemberID = id;
+        builder.addMember(member);
+        builder.addRelation({id, 1, -1, id});
+    }
+    builder.finish();
+}
 
 } // namespace
 
@@ -61,6 +82,10 @@ class TestChartModel : public QObject
 private Q_SLOTS:
     void positionsAndDepths();
     void placementsFollowChanges();
+    void batchRemovalAndReturn_data();
+    void batchRemovalAndReturn();
+    void batchMoveKeepsPlacements();
+    void rowsByIdentifier();
     void nextGroupId_data();
     void nextGroupId();
     void nextMemberId();
@@ -128,6 +153,87 @@ void TestChartModel::placementsFollowChanges()
     QCOMPARE(chartText(chart), QStringLiteral("본사[개발부[#3:7] #1:5 영업부[#2 #3:7]]"));
     QCOMPARE(chart.position(chart.placementIn(chart.rootGroup(), 1)), 2);
     chart.removeListener(&recorder);
+}
+
+void TestChartModel::batchRemovalAndReturn_data()
+{
+    QTest::addColumn<int>("step"); // every step-th member node of 40 is taken
+    QTest::addColumn<QStringList>("events");
+    QTest::newRow("a few places: told range by range")
+        << 10 << QStringList {"-?30", "-30", "-?20", "-20", "-?10", "-10", "-?0", "-0", "m30", "m20", "m10", "m0"};
+    QTest::newRow("many places: told at once") << 2 << QStringList {"~?", "~20", "m*20"};
+}
+
+void TestChartModel::batchRemovalAndReturn()
+{
+    QFETCH(int, step);
+    QFETCH(QStringList, events);
+    OrgChart chart;
+    buildWideChart(chart, 40);
+    const QString before = chartText(chart);
+    Recorder recorder;
+    chart.addListener(&recorder);
+    std::vector<OrgNode*> nodes;
+    for (int row = 0; row < 40; row += step)
+        nodes.push_back(chart.rootGroup()->child(row));
+    std::vector<DetachedNode> taken = chart.takeNodes(nodes);
+    QCOMPARE(recorder.events, events);
+    QCOMPARE(chart.placementCount(), 40 - static_cast<int>(nodes.size()));
+    QVERIFY(!chart.hasPlacement(1));
+    QCOMPARE(chart.position(chart.findGroup(2)), 41 - static_cast<int>(nodes.size()));
+    // Put back, each at its place: the same tree, the same finds.
+    chart.insertNodes(std::move(taken));
+    QCOMPARE(chartText(chart), before);
+    QCOMPARE(chart.placementIn(chart.rootGroup(), 1), chart.rootGroup()->child(0));
+    QCOMPARE(chart.position(chart.findGroup(2)), 41);
+    chart.removeListener(&recorder);
+}
+
+void TestChartModel::batchMoveKeepsPlacements()
+{
+    OrgChart chart;
+    buildWideChart(chart, 30);
+    Recorder recorder;
+    chart.addListener(&recorder);
+    OrgNode* team = chart.findGroup(2);
+    std::vector<NodeMove> moves;
+    for (int row = 0; row < 30; row += 3)
+        moves.push_back({chart.rootGroup()->child(row), team, static_cast<int>(moves.size())});
+    const quint64 departments = chart.departmentRevision();
+    std::vector<NodeMove> back = chart.moveNodes(moves);
+    QCOMPARE(chartText(chart, team), QStringLiteral("#1 #4 #7 #10 #13 #16 #19 #22 #25 #28"));
+    // Nobody left a department or came into one: no member changed, the departments stayed.
+    QCOMPARE(recorder.events, (QStringList {"~?", "~10"}));
+    QCOMPARE(chart.placementsOf(4).size(), size_t(1));
+    QCOMPARE(chart.placementIn(team, 4), team->child(1));
+    QCOMPARE(chart.departmentRevision(), departments);
+    chart.moveNodes(back);
+    QCOMPARE(chart.rootGroup()->child(3)->memberId(), 4);
+    QCOMPARE(team->childCount(), 0);
+    chart.removeListener(&recorder);
+}
+
+void TestChartModel::rowsByIdentifier()
+{
+    // Small identifiers, one far beyond them, and one identifier twice: the first row counts.
+    OrgChart chart;
+    for (const int id : {5, 1 << 30, 5, 7, -3}) {
+        MemberRecord member;
+        member.K_MemberID = id;
+        chart.insertMember(chart.memberCount(), member);
+    }
+    QCOMPARE(chart.rowOf(5), 0);
+    QCOMPARE(chart.rowOf(1 << 30), 1);
+    QCOMPARE(chart.rowOf(-3), 4);
+    chart.takeMembers({0, 1});
+    QCOMPARE(chart.rowOf(5), 0);
+    QCOMPARE(chart.rowOf(1 << 30), -1);
+    QCOMPARE(chart.rowOf(7), 1);
+    MemberRecord first;
+    first.K_MemberID = 7;
+    chart.insertMember(0, first);
+    QCOMPARE(chart.rowOf(7), 0);
+    QCOMPARE(chart.rowOf(-3), 3);
 }
 
 void TestChartModel::nextGroupId_data()

@@ -12,9 +12,10 @@
 #include "onboarding/RegistrationMailDialog.h"
 #include "orgchart/COrganizeFormView.h"
 #include "orgchart/COrganizeTemplateView.h"
-#include "orgchart/MemberFilterModel.h"
 #include "orgchart/MemberListModel.h"
+#include "orgchart/MemberTableView.h"
 #include "orgchart/OrgTreeModel.h"
+#include "orgchart/OrgTreeView.h"
 #include "platform/ServiceBackend.h"
 #include "server/ServerServiceControl.h"
 #include "widgets/BalloonTip.h"
@@ -128,6 +129,7 @@ private Q_SLOTS:
     void commandStates();
     void dragMembersOntoDepartment();
     void renameInPlace();
+    void unsavedMarkAndMoveCommand();
     void cellLimitBalloon();
     void saveRefusedOrDeclined();
     void closeQuestion_data();
@@ -259,12 +261,36 @@ void TestConsoleWindow::renameInPlace()
     QVERIFY(!(form->treeModel()->flags(member) & Qt::ItemIsEditable));
 }
 
+void TestConsoleWindow::unsavedMarkAndMoveCommand()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    QCOMPARE(frame.windowTitle(), QStringLiteral("SableManager[*]"));
+    QVERIFY(!frame.isWindowModified());
+    COrganizeFormView* form = m_console->editor();
+    OrgChart& chart = frame.document().chart();
+    // Nothing to move while the top department is selected; a department moves where it is put.
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(chart.rootGroup()));
+    QVERIFY(!frame.action(Cmd::kMoveToDepartment)->isEnabled());
+    QCOMPARE(frame.action(Cmd::kMoveToDepartment)->text(), QStringLiteral("부서 이동(&V)..."));
+    form->setDepartmentPicker(
+        [&chart](const OrgNode* moving) { return moving == chart.findGroup(7) ? chart.findGroup(8) : nullptr; });
+    form->tree()->setCurrentIndex(form->treeModel()->indexOf(chart.findGroup(7)));
+    QVERIFY(frame.action(Cmd::kMoveToDepartment)->isEnabled());
+    frame.runCommand(Cmd::kMoveToDepartment);
+    QCOMPARE(chart.findGroup(7)->parent(), chart.findGroup(8));
+    QVERIFY(frame.isWindowModified());
+    frame.action(Cmd::kUndo)->trigger();
+    QCOMPARE(chart.findGroup(7)->parent(), chart.findGroup(5));
+    QVERIFY(!frame.isWindowModified());
+}
+
 void TestConsoleWindow::cellLimitBalloon()
 {
     m_console->open();
     QVERIFY(m_console->load());
     COrganizeFormView* form = m_console->editor();
-    const QModelIndex mobile = form->filterModel()->index(0, ColHP);
+    const QModelIndex mobile = form->memberModel()->index(0, ColHP);
     QLineEdit* editor = openEditor(form->memberList(), mobile);
     QVERIFY(editor);
     commit(form->memberList(), editor, QStringLiteral("010-1234-56789"));
@@ -425,7 +451,7 @@ void TestConsoleWindow::registrationMailFromTheChartEditor()
     QCOMPARE(dialog->recipients()->rowCount(), 16);
     form->memberList()->selectRow(0);
     form->memberList()->selectionModel()->select(
-        form->filterModel()->index(38, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        form->memberModel()->index(38, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
     form->requestRegistrationMail(false);
     QCOMPARE(dialog->recipients()->rowCount(), 18);
     form->requestRegistrationMail(false); // already listed: nothing more

@@ -810,4 +810,25 @@ inline const QString kDirSettingsSaved = QStringLiteral("설정을 저장했습�
 inline const QString kDirSettingsNotSaved = QStringLiteral("설정을 저장하지 못했습니다.");
 inline const QString kDirClose = QStringLiteral("닫기");
 
+// Moving departments and users; what the chart editor and the rank editor show of the chart
+inline const QString kCmdMoveDepartment = QStringLiteral("부서 이동(&V)...");
+inline const QString kTipMoveDepartment = QStringLiteral("부서 이동");
+inline const QString kPromptMoveDepartment = QStringLiteral("선택한 부서나 사용자를 다른 부서로 옮깁니다.");
+inline const QString kMoveIntoItself = QStringLiteral("부서를 자기 자신이나 그 아래 부서로 옮길 수 없습니다.");
+inline const QString kStepMoveDepartment = QStringLiteral("부서 이동: %1");
+inline const QString kStepMoveMembers = QStringLiteral("사용자 부서 이동: %1");
+inline const QString kChooseMembership = QStringLiteral("%1 님은 여러 부서에 속해 있습니다.\n어느 부서에서 옮길까요?");
+inline const QString kPickDepartmentTitle = QStringLiteral("부서 이동");
+inline const QString kPickDepartmentPrompt = QStringLiteral("옮겨 갈 부서를 고르세요.");
+inline const QString kPickDepartmentSearch = QStringLiteral("부서 이름으로 찾기");
+inline const QString kMemberNodeWithRank = QStringLiteral("%1 (%2)");
+inline const QString kMemberNodeTip = QStringLiteral("아이디: %1\n부서: %2\n직급: %3");
+inline const QString kDepartmentsColumn = QStringLiteral("부서");
+inline const QString kMemberCount = QStringLiteral("%1명");
+inline const QString kMatchCount = QStringLiteral("%1명 / 전체 %2명");
+inline const QString kDragUsers = QStringLiteral("사용자 %1명: %2");
+inline const QString kDragDepartment = QStringLiteral("부서: %1");
+inline const QString kBadBirthday = QStringLiteral("생년월일은 1985-07-14처럼 입력하세요.");
+inline const QString kRankGridSearchPlaceholder = QStringLiteral("아이디, 이름, 부서, 직급으로 찾기");
+
 } // namespace sable::Msg

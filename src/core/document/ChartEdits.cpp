@@ -212,8 +212,18 @@ EditOutcome ChartEdits::editCell(int row, int column, const QString& text)
     if (MemberColumns::isChoice(column) && text != MemberColumns::choiceText(column, true)
         && text != MemberColumns::choiceText(column, false))
         return {};
+    QString stored = text;
+    // A birthday is kept in the form the list shows; what the cell shows already is taken as it is.
+    if (column == ColBirthDay && text != chart.member(row).BirthDay && !text.trimmed().isEmpty()) {
+        const std::optional<QString> date = MemberColumns::birthdayText(text);
+        if (!date)
+            return EditOutcome::refused(Balloon::error(Msg::kBadBirthday).atCell(row, column));
+        stored = *date;
+    } else if (column == ColBirthDay && text.trimmed().isEmpty()) {
+        stored.clear();
+    }
     MemberRecord member = chart.member(row);
-    MemberColumns::setText(member, column, text);
+    MemberColumns::setText(member, column, stored);
     if (member == chart.member(row))
         return {};
     if (column == ColMemberID && isLoginIdTaken(text, row))
@@ -259,10 +269,12 @@ EditOutcome ChartEdits::deleteUsers(std::vector<int> rows, const AskYesNo& ask)
     const QSet<int> removed(ids.begin(), ids.end());
 
     EditRecorder edit(m_doc, Msg::kStepDeleteUsers.arg(rows.size()));
+    std::vector<OrgNode*> placements;
     for (const int id : ids) {
-        while (!chart.placementsOf(id).empty())
-            edit.removeNode(chart.placementsOf(id).front());
+        const std::vector<OrgNode*>& nodes = chart.placementsOf(id);
+        placements.insert(placements.end(), nodes.begin(), nodes.end());
     }
+    edit.removeNodes(placements);
     edit.removeMembers(rows);
     edit.removeAuthorities(m_doc.fileBox().userAuthorities, authorityIndexes(m_doc.fileBox().userAuthorities, removed));
     edit.appendDeleted(m_doc.deletedMembers(), ids);
@@ -293,13 +305,17 @@ EditOutcome ChartEdits::addMembersToDepartment(const std::vector<int>& memberIds
         return {};
     OrgChart& chart = m_doc.chart();
     EditRecorder edit(m_doc, Msg::kStepAddToDepartment.arg(department->name()));
+    std::vector<std::unique_ptr<OrgNode>> added;
+    QSet<int> seen;
     for (const int id : memberIds) {
-        if (chart.placementIn(department, id))
+        if (chart.placementIn(department, id) || seen.contains(id))
             continue;
+        seen.insert(id);
         // The rank given is the number of ranks, taken as a rank identifier as it stands: the newest
         // rank while ranks are numbered from 1 and none was deleted, otherwise possibly no rank.
-        edit.insertNode(department, department->childCount(), OrgNode::makeMember(id, m_doc.ranks().count()));
+        added.push_back(OrgNode::makeMember(id, m_doc.ranks().count()));
     }
+    edit.appendNodes(department, std::move(added));
     edit.setModified(true);
     EditOutcome outcome;
     outcome.bChanged = edit.hasChanges();

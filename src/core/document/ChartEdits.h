@@ -54,6 +54,8 @@ public:
     // "[%s]에 추가" with the department's name; empty when the command is not offered.
     static QString addToDepartmentLabel(const OrgNode* selected);
     EditOutcome addToDepartment(const std::vector<int>& rows, OrgNode* department);
+    // The same by K_MemberID: a node for each member not yet directly in the department.
+    EditOutcome addMembersToDepartment(const std::vector<int>& memberIds, OrgNode* department);
 
     QByteArray dragPayload(const std::vector<int>& rows) const;
     // The members a payload names, or nullopt when it is malformed or names an unknown member.
@@ -67,8 +69,6 @@ public:
     bool isLoginIdTaken(const QString& loginId, int exceptRow) const;
 
 private:
-    EditOutcome addMembersToDepartment(const std::vector<int>& memberIds, OrgNode* department);
-
     CSableManagerDoc& m_doc;
 };
 

@@ -47,6 +47,88 @@ private:
     std::unique_ptr<OrgNode> m_node;
 };
 
+class RemoveNodes final : public DocChange
+{
+public:
+    explicit RemoveNodes(std::vector<OrgNode*> nodes)
+        : m_nodes(std::move(nodes))
+    { }
+    void redo(CSableManagerDoc& doc) override { m_taken = doc.chart().takeNodes(m_nodes); }
+    void undo(CSableManagerDoc& doc) override { doc.chart().insertNodes(std::move(m_taken)); }
+
+private:
+    std::vector<OrgNode*> m_nodes;
+    std::vector<DetachedNode> m_taken;
+};
+
+class InsertNodes final : public DocChange
+{
+public:
+    explicit InsertNodes(std::vector<DetachedNode> nodes)
+        : m_detached(std::move(nodes))
+    {
+        for (const DetachedNode& place : m_detached)
+            m_nodes.push_back(place.node.get());
+    }
+    const std::vector<OrgNode*>& nodes() const { return m_nodes; }
+    void redo(CSableManagerDoc& doc) override { doc.chart().insertNodes(std::move(m_detached)); }
+    void undo(CSableManagerDoc& doc) override { m_detached = doc.chart().takeNodes(m_nodes); }
+
+private:
+    std::vector<DetachedNode> m_detached;
+    std::vector<OrgNode*> m_nodes;
+};
+
+class ReparentNode final : public DocChange
+{
+public:
+    ReparentNode(OrgNode* node, OrgNode* newParent, int index)
+        : m_node(node)
+        , m_oldParent(node->parent())
+        , m_from(node->row())
+        , m_newParent(newParent)
+        , m_to(std::clamp(index, 0, newParent->childCount()))
+    { }
+    void redo(CSableManagerDoc& doc) override { doc.chart().reparentNode(m_node, m_newParent, m_to); }
+    void undo(CSableManagerDoc& doc) override { doc.chart().reparentNode(m_node, m_oldParent, m_from); }
+
+private:
+    OrgNode* m_node;
+    OrgNode* m_oldParent;
+    int m_from;
+    OrgNode* m_newParent;
+    int m_to;
+};
+
+// Nodes from anywhere to the end of one parent's children, in the order the tree showed them, at
+// once, so that the tree is never seen half-moved; undone the same way back to the places they had.
+class RelocateNodes final : public DocChange
+{
+public:
+    RelocateNodes(std::vector<OrgNode*> nodes, OrgNode* parent)
+        : m_nodes(std::move(nodes))
+        , m_parent(parent)
+    { }
+    void redo(CSableManagerDoc& doc) override
+    {
+        const std::vector<OrgNode*> ordered = doc.chart().inTreeOrder(m_nodes);
+        int at = m_parent->childCount();
+        for (const OrgNode* node : ordered)
+            at -= node->parent() == m_parent ? 1 : 0;
+        std::vector<NodeMove> moves;
+        moves.reserve(ordered.size());
+        for (OrgNode* node : ordered)
+            moves.push_back({node, m_parent, at++});
+        m_back = doc.chart().moveNodes(std::move(moves));
+    }
+    void undo(CSableManagerDoc& doc) override { doc.chart().moveNodes(m_back); }
+
+private:
+    std::vector<OrgNode*> m_nodes;
+    OrgNode* m_parent;
+    std::vector<NodeMove> m_back;
+};
+
 class MoveNode final : public DocChange
 {
 public:
@@ -472,6 +554,37 @@ OrgNode* EditRecorder::insertNode(OrgNode* parent, int index, std::unique_ptr<Or
 void EditRecorder::removeNode(OrgNode* node)
 {
     apply(std::make_unique<RemoveNode>(node));
+}
+
+void EditRecorder::removeNodes(const std::vector<OrgNode*>& nodes)
+{
+    if (!nodes.empty())
+        apply(std::make_unique<RemoveNodes>(nodes));
+}
+
+std::vector<OrgNode*> EditRecorder::appendNodes(OrgNode* parent, std::vector<std::unique_ptr<OrgNode>> nodes)
+{
+    if (nodes.empty())
+        return {};
+    std::vector<DetachedNode> places;
+    int at = parent->childCount();
+    for (auto& node : nodes)
+        places.push_back({parent, at++, std::move(node)});
+    auto change = std::make_unique<InsertNodes>(std::move(places));
+    std::vector<OrgNode*> inserted = change->nodes();
+    apply(std::move(change));
+    return inserted;
+}
+
+void EditRecorder::reparentNode(OrgNode* node, OrgNode* newParent, int index)
+{
+    apply(std::make_unique<ReparentNode>(node, newParent, index));
+}
+
+void EditRecorder::relocateNodes(const std::vector<OrgNode*>& nodes, OrgNode* parent)
+{
+    if (!nodes.empty())
+        apply(std::make_unique<RelocateNodes>(nodes, parent));
 }
 
 void EditRecorder::moveNode(OrgNode* node, int to)

@@ -31,7 +31,15 @@ public:
 
     OrgNode* insertNode(OrgNode* parent, int index, std::unique_ptr<OrgNode> node);
     void removeNode(OrgNode* node);
+    // Many nodes at once (none within another): one change however many there are.
+    void removeNodes(const std::vector<OrgNode*>& nodes);
+    // Appends the nodes to the children of `parent`, as one change; returns them.
+    std::vector<OrgNode*> appendNodes(OrgNode* parent, std::vector<std::unique_ptr<OrgNode>> nodes);
     void moveNode(OrgNode* node, int to);
+    // The node with its subtree under another parent, at place `index` there.
+    void reparentNode(OrgNode* node, OrgNode* newParent, int index);
+    // Moves the nodes (none within another) to the end of the children of `parent`, as one change.
+    void relocateNodes(const std::vector<OrgNode*>& nodes, OrgNode* parent);
     void reorderChildren(OrgNode* parent, const std::vector<int>& order);
     void renameGroup(OrgNode* group, const QString& name);
     void setRank(OrgNode* placement, int rankId);

@@ -1,5 +1,8 @@
 #include "orgchart/MemberRecord.h"
 
+#include <QDate>
+#include <QRegularExpression>
+
 #include <array>
 
 namespace sable::MemberColumns {
@@ -135,6 +138,32 @@ void setText(MemberRecord& member, int column, const QString& text)
     default:
         break;
     }
+}
+
+int storedValue(const MemberRecord& member, int column)
+{
+    if (column == ColGender)
+        return member.Gender;
+    return isChoice(column) && choiceValue(member, column) ? 1 : 0;
+}
+
+std::optional<QString> birthdayText(const QString& typed)
+{
+    static const QRegularExpression separated(
+        QStringLiteral("^\\s*(\\d{4})\\s*([-./])\\s*(\\d{1,2})\\s*\\2\\s*(\\d{1,2})\\s*\\.?\\s*$"));
+    static const QRegularExpression digits(QStringLiteral("^\\s*(\\d{4})(\\d{2})(\\d{2})\\s*$"));
+    QRegularExpressionMatch match = separated.match(typed);
+    int day = 4;
+    if (!match.hasMatch()) {
+        match = digits.match(typed);
+        day = 3;
+    }
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QDate date(match.captured(1).toInt(), match.captured(day - 1).toInt(), match.captured(day).toInt());
+    if (!date.isValid())
+        return std::nullopt;
+    return date.toString(QStringLiteral("yyyy-MM-dd"));
 }
 
 } // namespace sable::MemberColumns

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace sable {
 
 // One user: a row of SD_Member and of the member list.
@@ -63,6 +65,14 @@ QString text(const MemberRecord& member, int column);
 // Puts `text` into `column` as an edit of the cell would; a choice column is set when the text is
 // its first choice.
 void setText(MemberRecord& member, int column, const QString& text);
+
+// The value a choice column stores (Gender 0 or 1, the flags 1 or 0); 0 for other columns.
+int storedValue(const MemberRecord& member, int column);
+
+// A birthday as the list shows it ("1985-07-14") from what an administrator types: the same, or
+// with dots or slashes ("1985.07.14", "1985. 7. 14.", "1985/7/14"), or digits alone ("19850714").
+// nullopt for anything else, or a day that does not exist.
+std::optional<QString> birthdayText(const QString& typed);
 
 } // namespace MemberColumns
 } // namespace sable

@@ -2,6 +2,8 @@
 
 #include "orgchart/MemberRecord.h"
 #include "orgchart/OrgNode.h"
+#include "orgchart/Revision.h"
+#include "orgchart/RowIndex.h"
 
 #include <QHash>
 
@@ -12,6 +14,23 @@
 namespace sable {
 
 class OrgChartListener;
+
+// A node taken out of the tree with its subtree, and the place it had (or is to have): the parent
+// and the index among the parent's children.
+struct DetachedNode
+{
+    OrgNode* parent = nullptr;
+    int row = 0;
+    std::unique_ptr<OrgNode> node;
+};
+
+// Where a node of the tree goes: the place `row` under `parent`.
+struct NodeMove
+{
+    OrgNode* node = nullptr;
+    OrgNode* parent = nullptr;
+    int row = 0;
+};
 
 // The organisation chart in memory: the department tree with the members placed in it, and the
 // member list. Departments, members and every placement of a member are found in constant time;
@@ -30,6 +49,9 @@ public:
     // Changes with every change of the contents, and no two charts share one: whoever keeps a
     // pointer into the chart can tell whether it still holds.
     quint64 revision() const { return m_revision; }
+    // Changes whenever a department is added, removed, renamed or moved (not with members): whoever
+    // keeps department paths can tell whether they still hold.
+    quint64 departmentRevision() const { return m_departmentRevision; }
 
     // Exchanges the contents (not the listeners) with `other`; this chart's listeners see a reset.
     void swapContents(OrgChart& other);
@@ -46,8 +68,18 @@ public:
     OrgNode* findGroup(int groupId) const;
     // Every node that places the member, in no particular order.
     const std::vector<OrgNode*>& placementsOf(int memberId) const;
+    // The same in the order of the tree, as the chart shows and saves them.
+    std::vector<OrgNode*> placementsInTreeOrder(int memberId) const;
+    // Nodes of the tree in the order the tree shows them.
+    std::vector<OrgNode*> inTreeOrder(std::vector<OrgNode*> nodes) const;
+    // Whether the tree shows `a` before `b` (a department before what lies below it).
+    static bool isBefore(const OrgNode* a, const OrgNode* b);
     // The member's node directly under `group`, or nullptr.
     OrgNode* placementIn(const OrgNode* group, int memberId) const;
+    // Whether `node` is `ancestor` or lies below it.
+    static bool isWithin(const OrgNode* node, const OrgNode* ancestor);
+    // Whether the node hangs in this chart's tree (and not in a subtree taken out of it).
+    bool isAttached(const OrgNode* node) const;
     int groupCount() const { return m_groupCount; }
     int placementCount() const { return m_placementCount; }
 
@@ -95,6 +127,19 @@ public:
     std::unique_ptr<OrgNode> takeNode(OrgNode* node);
     // Moves the node among its siblings to place `to`.
     void moveNode(OrgNode* node, int to);
+    // Moves the node with its subtree under another parent, to place `index` there. The new parent
+    // must not lie within the node.
+    void reparentNode(OrgNode* node, OrgNode* newParent, int index);
+    // Removes the nodes (none of them within another) with their subtrees, as one change, and hands
+    // them over with their places, ascending under each parent: insertNodes puts them back.
+    std::vector<DetachedNode> takeNodes(const std::vector<OrgNode*>& nodes);
+    // Inserts each node at its place, in the order given; under one parent the places must ascend
+    // (they are the places the nodes have afterwards).
+    void insertNodes(std::vector<DetachedNode> nodes);
+    // Moves nodes (none within another or under another that moves) with their subtrees to new
+    // places, as one change; under one parent the places must ascend in the order given. Returns
+    // the places they had, in the same form, to move them back.
+    std::vector<NodeMove> moveNodes(std::vector<NodeMove> moves);
     // Puts the children of `parent` in a new order: `order[i]` is the old place of the new child i.
     void reorderChildren(OrgNode* parent, const std::vector<int>& order);
     void renameGroup(OrgNode* group, const QString& name);
@@ -113,8 +158,21 @@ private:
     void registerSubtree(OrgNode* node, std::vector<int>* gainedMembers);
     void unregisterSubtree(OrgNode* node, std::vector<int>* lostMembers);
     void renumber(OrgNode* parent, int from);
+    void detach(DetachedNode& place, std::vector<int>& lostMembers);
+    std::unique_ptr<OrgNode> attach(DetachedNode& place, std::vector<int>& gainedMembers);
+    void takeByRanges(std::vector<DetachedNode>& taken, std::vector<int>& lost);
+    void takeAtOnce(std::vector<DetachedNode>& taken, std::vector<int>& lost);
+    void insertByRanges(std::vector<DetachedNode>& nodes, std::vector<int>& gained);
+    void insertAtOnce(std::vector<DetachedNode>& nodes, std::vector<int>& gained);
+    // Closes the gaps left by children taken out.
+    void dropEmptyChildren(OrgNode* parent);
+    // Puts nodes among the children of `parent`, each at its place (ascending), in one pass.
+    void mergeIntoChildren(OrgNode* parent, std::vector<std::pair<int, std::unique_ptr<OrgNode>>> incoming);
+    void departmentsChanged() { m_departmentRevision = Revision::next(); }
     void reindexMembers();
     void noteMemberId(int memberId) { m_highestMemberId = std::max(m_highestMemberId, memberId); }
+    // After the rows from `first` on changed; `goneIds` are those of the members taken out.
+    void reindexMembersFrom(int first, const std::vector<int>& goneIds);
     void notifyMembersChanged(const std::vector<int>& memberIds);
     void notifyPlacementsChanged(int memberId);
     template <typename F>
@@ -129,9 +187,10 @@ private:
     int m_highestMemberId = 0;
     int m_placementCount = 0;
     std::vector<MemberRecord> m_members;
-    QHash<int, int> m_rowById;
+    RowIndex m_rowById;
     std::vector<OrgChartListener*> m_listeners;
     quint64 m_revision = 0;
+    quint64 m_departmentRevision = Revision::next();
 };
 
 } // namespace sable

@@ -68,7 +68,8 @@ CMainFrame::CMainFrame(
     , m_commands(this, [this](int command) { runCommand(command); })
 {
     setObjectName(QStringLiteral("Frame"));
-    setWindowTitle(Msg::kAppTitle);
+    // The title bar marks unsaved edits, as desktop programs do.
+    setWindowTitle(Msg::kAppTitle + QStringLiteral("[*]"));
     setWindowIcon(Icons::app());
     declareCommands();
     m_commands.fillMenuBar(menuBar());
@@ -89,6 +90,7 @@ CMainFrame::CMainFrame(
     connect(m_services.get(), &ServerServiceControl::statesChanged, this, &CMainFrame::updateCommandStates);
     connect(m_services.get(), &ServerServiceControl::busyChanged, this, &CMainFrame::updateCommandStates);
     connect(&m_doc.history(), &EditHistory::changed, this, &CMainFrame::updateCommandStates);
+    connect(&m_doc, &CSableManagerDoc::modifiedChanged, this, &QWidget::setWindowModified);
     m_saveRunner = new SaveRunner(m_doc, IniFile(m_config.paths().settingsFilePath), this);
     connect(m_saveRunner, &SaveRunner::finished, this, &CMainFrame::onSaveFinished);
     connect(m_services.get(), &ServerServiceControl::startAllFinished, this, [this](const QStringList& failures) {

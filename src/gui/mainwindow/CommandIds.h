@@ -20,6 +20,8 @@ constexpr int kRenameDepartment = 32785;
 constexpr int kDeleteDepartment = 32786;
 constexpr int kAddUser = 32787;
 constexpr int kDeleteUser = 32788;
+// "부서 이동...": a department, member nodes or member-list rows to another department.
+constexpr int kMoveToDepartment = 32840;
 constexpr int kAddRank = 32789;
 constexpr int kRenameRank = 32790;
 constexpr int kDeleteRank = 32791;

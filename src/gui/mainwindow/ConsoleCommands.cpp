@@ -181,6 +181,14 @@ void CMainFrame::declareEditCommands()
         .statusTip = Msg::kPromptDeleteDepartment,
         .views = kChartEditorOnly,
         .run = [form] { form()->deleteSelectedNode(); }});
+    m_commands.add({.id = Cmd::kMoveToDepartment,
+        .menu = edit,
+        .text = Msg::kCmdMoveDepartment,
+        .toolTip = Msg::kTipMoveDepartment,
+        .statusTip = Msg::kPromptMoveDepartment,
+        .views = kChartEditorOnly,
+        .run = [form] { form()->moveToDepartment(); },
+        .isEnabled = [this] { return chartEditor() && chartEditor()->form()->canMoveToDepartment(); }});
     m_commands.add({.id = Cmd::kAddUser,
         .menu = edit,
         .text = Msg::kCmdAddUser,

@@ -15,7 +15,7 @@ namespace {
 
 // Qt's saved states are a few hundred bytes; they are kept as base64 text in string values.
 constexpr int kStateBuffer = 8192;
-constexpr QSize kFirstStartSize(1120, 740);
+constexpr QSize kFirstStartSize(1180, 760);
 
 QString partName(const QString& place, const QWidget& part)
 {

@@ -6,12 +6,16 @@
 #include "orgchart/COrganizeTemplateView.h"
 #include "orgchart/RankModels.h"
 #include "widgets/BalloonTip.h"
+#include "widgets/CutTextDelegate.h"
 #include "widgets/Heading.h"
+#include "widgets/Icons.h"
 #include "widgets/ItemViewKeys.h"
 
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QSplitter>
 #include <QStyledItemDelegate>
@@ -24,11 +28,11 @@ namespace sable {
 namespace {
 
 // The rank column's drop-down list of the rank names and "직급없음".
-class RankChoiceDelegate final : public QStyledItemDelegate
+class RankChoiceDelegate final : public CutTextDelegate
 {
 public:
     explicit RankChoiceDelegate(MembershipRankModel* model, QObject* parent)
-        : QStyledItemDelegate(parent)
+        : CutTextDelegate(parent)
         , m_model(model)
     { }
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex&) const override
@@ -50,12 +54,18 @@ private:
     MembershipRankModel* m_model;
 };
 
-QWidget* titled(const QString& title, QWidget* content, QWidget* parent)
+QWidget* titled(const QString& title, QWidget* content, QWidget* parent, QWidget* beside = nullptr)
 {
     auto* box = new QWidget(parent);
     auto* layout = new QVBoxLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(makeHeading(title, box));
+    auto* bar = new QHBoxLayout;
+    bar->addWidget(makeHeading(title, box));
+    if (beside) {
+        bar->addStretch(1);
+        bar->addWidget(beside, 2);
+    }
+    layout->addLayout(bar);
     layout->addWidget(content);
     return box;
 }
@@ -69,11 +79,12 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     , m_membershipModel(new MembershipRankModel(doc, this))
     , m_tree(new QTreeView(this))
     , m_grid(new QTableView(this))
+    , m_search(new QLineEdit(this))
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     splitter->setObjectName(QStringLiteral("Ranks")); // its sizes are kept between runs
     splitter->addWidget(titled(Msg::kRankTreeRoot, m_tree, splitter));
-    splitter->addWidget(titled(Msg::kRankGridTitle, m_grid, splitter));
+    splitter->addWidget(titled(Msg::kRankGridTitle, m_grid, splitter, m_search));
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 2);
     auto* layout = new QVBoxLayout(this);
@@ -91,7 +102,13 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     m_tree->expandAll();
     m_grid->setObjectName(QStringLiteral("RankMembers")); // its columns are kept between runs
+    m_search->setPlaceholderText(Msg::kRankGridSearchPlaceholder);
+    m_search->setClearButtonEnabled(true);
+    m_search->addAction(Icons::search(), QLineEdit::LeadingPosition);
+    connect(m_search, &QLineEdit::textChanged, m_membershipModel, &MembershipRankModel::setSearchText);
     m_grid->setModel(m_membershipModel);
+    m_grid->setItemDelegate(new CutTextDelegate(m_grid));
+    m_grid->setWordWrap(false);
     m_grid->setItemDelegateForColumn(MembershipRankModel::ColRank, new RankChoiceDelegate(m_membershipModel, m_grid));
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -113,6 +130,8 @@ CPositionFormView::CPositionFormView(CSableManagerDoc& doc, QWidget* parent)
     ItemViewKeys::addContextMenuKey(m_grid);
 
     connect(m_rankModel, &QAbstractItemModel::modelReset, m_tree, &QTreeView::expandAll);
+    connect(m_membershipModel, &QAbstractItemModel::modelAboutToBeReset, this, &CPositionFormView::keepGridSelection);
+    connect(m_membershipModel, &QAbstractItemModel::modelReset, this, &CPositionFormView::restoreGridSelection);
     connect(m_rankModel, &RankTreeModel::messageRequested, this,
         [this](const QString& text) { m_prompter.warn(this, text); });
     connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this, &CPositionFormView::selectionChanged);
@@ -192,6 +211,25 @@ void CPositionFormView::setRanksOfSelectedRows(int command)
     for (const QModelIndex& index : m_grid->selectionModel()->selectedRows())
         placements.push_back(m_membershipModel->placementAt(index.row()));
     RankEdits(m_doc).setMembershipRanks(placements, command);
+}
+
+void CPositionFormView::keepGridSelection()
+{
+    m_keptPlacements.clear();
+    for (const QModelIndex& index : m_grid->selectionModel()->selectedRows())
+        m_keptPlacements.push_back(m_membershipModel->placementAt(index.row()));
+}
+
+void CPositionFormView::restoreGridSelection()
+{
+    QItemSelection selection;
+    for (const OrgNode* placement : m_keptPlacements) {
+        const int row = m_membershipModel->rowOf(placement);
+        if (row >= 0)
+            selection.select(m_membershipModel->index(row, 0), m_membershipModel->index(row, 0));
+    }
+    m_grid->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    m_keptPlacements.clear();
 }
 
 void CPositionFormView::showHints()

@@ -4,6 +4,9 @@
 
 #include <QWidget>
 
+#include <vector>
+
+class QLineEdit;
 class QTableView;
 class QTreeView;
 
@@ -11,11 +14,12 @@ namespace sable {
 
 class CSableManagerDoc;
 class MembershipRankModel;
+class OrgNode;
 class RankTreeModel;
 struct Balloon;
 
 // The rank editor: the rank list "직급" and the membership list "직급별 목록", in which the rank
-// of every member placement is chosen.
+// of every member placement is chosen, with a search box that narrows the memberships.
 class CPositionFormView final : public QWidget
 {
     Q_OBJECT
@@ -27,6 +31,7 @@ public:
     void setPrompter(Prompter prompter) { m_prompter = std::move(prompter); }
     QTreeView* rankTree() const { return m_tree; }
     QTableView* membershipList() const { return m_grid; }
+    QLineEdit* searchBox() const { return m_search; }
     RankTreeModel* rankModel() const { return m_rankModel; }
     MembershipRankModel* membershipModel() const { return m_membershipModel; }
     int selectedRank() const;
@@ -43,6 +48,8 @@ Q_SIGNALS:
 private:
     void selectRank(int rank);
     void setRanksOfSelectedRows(int command);
+    void keepGridSelection();
+    void restoreGridSelection();
     void showBalloon(const Balloon& balloon);
 
     CSableManagerDoc& m_doc;
@@ -50,6 +57,9 @@ private:
     MembershipRankModel* m_membershipModel;
     QTreeView* m_tree;
     QTableView* m_grid;
+    QLineEdit* m_search;
+    // The memberships selected while the grid is rebuilt under them.
+    std::vector<const OrgNode*> m_keptPlacements;
     Prompter m_prompter = Prompter::messageBoxes();
     bool m_bBalloonHelp = true;
 };

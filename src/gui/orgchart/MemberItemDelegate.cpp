@@ -3,7 +3,6 @@
 #include "orgchart/MemberRecord.h"
 
 #include <QComboBox>
-#include <QDateEdit>
 #include <QLineEdit>
 
 namespace sable {
@@ -17,26 +16,16 @@ QWidget* MemberItemDelegate::createEditor(
         combo->addItems({MemberColumns::choiceText(column, true), MemberColumns::choiceText(column, false)});
         return combo;
     }
-    const QString text = index.data(Qt::EditRole).toString();
-    if (column == ColBirthDay && (text.isEmpty() || QDate::fromString(text, QLatin1String(kDateFormat)).isValid())) {
-        auto* date = new QDateEdit(parent);
-        date->setDisplayFormat(QLatin1String(kDateFormat));
-        date->setCalendarPopup(true);
-        return date;
-    }
-    return QStyledItemDelegate::createEditor(parent, option, index);
+    QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
+    if (auto* line = qobject_cast<QLineEdit*>(editor); line && column == ColBirthDay)
+        line->setPlaceholderText(QString::fromLatin1(kDateFormat).toUpper());
+    return editor;
 }
 
 void MemberItemDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
 {
-    const QString text = index.data(Qt::EditRole).toString();
     if (auto* combo = qobject_cast<QComboBox*>(editor)) {
-        combo->setCurrentText(text);
-        return;
-    }
-    if (auto* date = qobject_cast<QDateEdit*>(editor)) {
-        const QDate value = QDate::fromString(text, QLatin1String(kDateFormat));
-        date->setDate(value.isValid() ? value : QDate(1990, 1, 1));
+        combo->setCurrentText(index.data(Qt::EditRole).toString());
         return;
     }
     QStyledItemDelegate::setEditorData(editor, index);
@@ -46,10 +35,6 @@ void MemberItemDelegate::setModelData(QWidget* editor, QAbstractItemModel* model
 {
     if (auto* combo = qobject_cast<QComboBox*>(editor)) {
         model->setData(index, combo->currentText());
-        return;
-    }
-    if (auto* date = qobject_cast<QDateEdit*>(editor)) {
-        model->setData(index, date->date().toString(QLatin1String(kDateFormat)));
         return;
     }
     if (auto* line = qobject_cast<QLineEdit*>(editor)) {

@@ -1,7 +1,9 @@
 #include "orgchart/OrgTreeModel.h"
 
+#include "Messages.h"
 #include "document/CSableManagerDoc.h"
 #include "document/ChartEdits.h"
+#include "document/ChartMoves.h"
 #include "widgets/Heading.h"
 #include "widgets/Icons.h"
 
@@ -15,12 +17,18 @@ QString memberDragMimeType()
     return QStringLiteral("application/x-qt-windows-mime;value=\"%1\"").arg(QLatin1String(ChartEdits::kDragFormat));
 }
 
+QString nodeDragMimeType()
+{
+    return QLatin1String(ChartMoves::kNodeMimeType);
+}
+
 OrgTreeModel::OrgTreeModel(CSableManagerDoc& doc, QObject* parent)
     : QAbstractItemModel(parent)
     , m_doc(doc)
     , m_chart(doc.chart())
 {
     m_chart.addListener(this);
+    connect(&doc, &CSableManagerDoc::rankListChanged, this, &OrgTreeModel::ranksChanged);
 }
 
 OrgTreeModel::~OrgTreeModel()
@@ -73,7 +81,12 @@ QVariant OrgTreeModel::data(const QModelIndex& index, int role) const
     if (!node)
         return {};
     switch (role) {
-    case Qt::DisplayRole:
+    case Qt::DisplayRole: {
+        const QString name = m_chart.displayName(node);
+        if (node->isGroup() || m_doc.ranks().positionOf(node->rankId()) < 0)
+            return name;
+        return Msg::kMemberNodeWithRank.arg(name, m_doc.ranks().nameOf(node->rankId()));
+    }
     case Qt::EditRole:
         return m_chart.displayName(node);
     case Qt::DecorationRole: {
@@ -87,10 +100,13 @@ QVariant OrgTreeModel::data(const QModelIndex& index, int role) const
             return boldFont();
         }
         return {};
-    case Qt::ToolTipRole:
-        if (node->isMember())
-            return QStringLiteral("%1 · %2").arg(m_chart.departmentPath(node), m_doc.ranks().nameOf(node->rankId()));
-        return {};
+    case Qt::ToolTipRole: {
+        if (!node->isMember())
+            return {};
+        const MemberRecord* member = m_chart.findMember(node->memberId());
+        return Msg::kMemberNodeTip.arg(
+            member ? member->MemberID : QString(), m_chart.departmentPath(node), m_doc.ranks().nameOf(node->rankId()));
+    }
     case NodeRole:
         return QVariant::fromValue(static_cast<void*>(const_cast<OrgNode*>(node)));
     default:
@@ -116,12 +132,35 @@ Qt::ItemFlags OrgTreeModel::flags(const QModelIndex& index) const
         flags |= Qt::ItemIsEditable | Qt::ItemIsDropEnabled;
     else
         flags |= Qt::ItemNeverHasChildren;
+    // Every node but the top department can be dragged elsewhere.
+    if (node != m_chart.rootGroup())
+        flags |= Qt::ItemIsDragEnabled;
     return flags;
 }
 
 QStringList OrgTreeModel::mimeTypes() const
 {
-    return {memberDragMimeType()};
+    return {memberDragMimeType(), nodeDragMimeType()};
+}
+
+QMimeData* OrgTreeModel::mimeData(const QModelIndexList& indexes) const
+{
+    std::vector<OrgNode*> nodes;
+    for (const QModelIndex& index : indexes) {
+        OrgNode* node = nodeAt(index);
+        if (node && std::find(nodes.begin(), nodes.end(), node) == nodes.end())
+            nodes.push_back(node);
+    }
+    if (nodes.empty())
+        return nullptr;
+    auto* mime = new QMimeData;
+    mime->setData(nodeDragMimeType(), ChartMoves(m_doc).nodePayload(nodes));
+    return mime;
+}
+
+Qt::DropActions OrgTreeModel::supportedDragActions() const
+{
+    return Qt::CopyAction | Qt::MoveAction;
 }
 
 Qt::DropActions OrgTreeModel::supportedDropActions() const
@@ -132,7 +171,11 @@ Qt::DropActions OrgTreeModel::supportedDropActions() const
 bool OrgTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int row, int, const QModelIndex& parent) const
 {
     const OrgNode* target = nodeAt(parent);
-    return row < 0 && target && target->isGroup() && data->hasFormat(memberDragMimeType());
+    if (!target || !target->isGroup())
+        return false;
+    if (data->hasFormat(nodeDragMimeType()))
+        return ChartMoves(m_doc).nodesOfPayload(data->data(nodeDragMimeType())).has_value();
+    return row < 0 && data->hasFormat(memberDragMimeType());
 }
 
 bool OrgTreeModel::dropMimeData(
@@ -140,10 +183,12 @@ bool OrgTreeModel::dropMimeData(
 {
     if (!canDropMimeData(data, action, row, column, parent))
         return false;
-    const bool added = ChartEdits(m_doc).dropOnDepartment(data->data(memberDragMimeType()), nodeAt(parent)).bChanged;
-    if (added)
-        Q_EMIT membersDropped(parent);
-    // The rows stay in the member list: nothing is to be removed at the drag's source.
+    const EditOutcome outcome = data->hasFormat(nodeDragMimeType())
+        ? ChartMoves(m_doc).dropNodes(data->data(nodeDragMimeType()), nodeAt(parent), row, action == Qt::CopyAction)
+        : ChartEdits(m_doc).dropOnDepartment(data->data(memberDragMimeType()), nodeAt(parent));
+    if (outcome.bChanged || outcome.balloon)
+        Q_EMIT dropApplied(outcome);
+    // Whatever was dragged stays where the drag began, or has moved already: nothing to remove there.
     return false;
 }
 
@@ -191,24 +236,73 @@ void OrgTreeModel::nodeMoved(const OrgNode*, int, int)
     endMoveRows();
 }
 
-void OrgTreeModel::childrenAboutToBeReordered(const OrgNode* parent)
+void OrgTreeModel::keepPersistentNodes()
 {
-    Q_EMIT layoutAboutToBeChanged({QPersistentModelIndex(indexOf(parent))}, QAbstractItemModel::VerticalSortHint);
     m_persistentBefore = persistentIndexList();
     m_persistentNodes.clear();
     for (const QModelIndex& index : m_persistentBefore)
         m_persistentNodes.push_back(nodeAt(index));
 }
 
-void OrgTreeModel::childrenReordered(const OrgNode* parent)
+void OrgTreeModel::restorePersistentNodes()
 {
     QModelIndexList after;
     for (const OrgNode* node : m_persistentNodes)
-        after << indexOf(node);
+        after << (m_chart.isAttached(node) ? indexOf(node) : QModelIndex());
     changePersistentIndexList(m_persistentBefore, after);
     m_persistentBefore.clear();
     m_persistentNodes.clear();
+}
+
+void OrgTreeModel::childrenAboutToBeReordered(const OrgNode* parent)
+{
+    Q_EMIT layoutAboutToBeChanged({QPersistentModelIndex(indexOf(parent))}, QAbstractItemModel::VerticalSortHint);
+    keepPersistentNodes();
+}
+
+void OrgTreeModel::childrenReordered(const OrgNode* parent)
+{
+    restorePersistentNodes();
     Q_EMIT layoutChanged({QPersistentModelIndex(indexOf(parent))}, QAbstractItemModel::VerticalSortHint);
+}
+
+void OrgTreeModel::nodeAboutToBeReparented(const OrgNode* oldParent, int from, const OrgNode* newParent, int to)
+{
+    m_bMoving = beginMoveRows(indexOf(oldParent), from, from, indexOf(newParent), to);
+    if (!m_bMoving) {
+        Q_EMIT layoutAboutToBeChanged();
+        keepPersistentNodes();
+    }
+}
+
+void OrgTreeModel::nodeReparented(const OrgNode*, int, const OrgNode*, int)
+{
+    if (std::exchange(m_bMoving, false)) {
+        endMoveRows();
+        return;
+    }
+    restorePersistentNodes();
+    Q_EMIT layoutChanged();
+}
+
+void OrgTreeModel::treeAboutToBeRestructured()
+{
+    Q_EMIT layoutAboutToBeChanged();
+    keepPersistentNodes();
+}
+
+void OrgTreeModel::treeRestructured(const std::vector<const OrgNode*>&)
+{
+    restorePersistentNodes();
+    Q_EMIT layoutChanged();
+}
+
+void OrgTreeModel::ranksChanged()
+{
+    m_chart.forEachGroup([this](OrgNode* group) {
+        if (group->childCount() > 0)
+            Q_EMIT dataChanged(index(0, 0, indexOf(group)), index(group->childCount() - 1, 0, indexOf(group)));
+    });
 }
 
 void OrgTreeModel::nodeChanged(const OrgNode* node)

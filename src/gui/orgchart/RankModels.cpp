@@ -107,6 +107,7 @@ Qt::ItemFlags RankTreeModel::flags(const QModelIndex& index) const
 MembershipRankModel::MembershipRankModel(CSableManagerDoc& doc, QObject* parent)
     : QAbstractTableModel(parent)
     , m_doc(doc)
+    , m_paths(doc.chart())
 {
     m_rebuild.setSingleShot(true);
     m_rebuild.setInterval(0);
@@ -143,11 +144,32 @@ void MembershipRankModel::rebuild()
     m_rows.clear();
     m_rowOf.clear();
     m_rows.reserve(static_cast<size_t>(m_doc.chart().placementCount()));
-    m_doc.chart().forEachPlacement([this](OrgNode* placement) {
+    // Hangul, digits and signs have no case: looking for them exactly finds the same, faster.
+    const Qt::CaseSensitivity cs
+        = m_search.toLower() == m_search && m_search.toUpper() == m_search ? Qt::CaseSensitive : Qt::CaseInsensitive;
+    m_doc.chart().forEachPlacement([this, cs](OrgNode* placement) {
+        if (!m_search.isEmpty() && !matches(placement, cs))
+            return;
         m_rowOf.insert(placement, static_cast<int>(m_rows.size()));
         m_rows.push_back(placement);
     });
     endResetModel();
+}
+
+void MembershipRankModel::setSearchText(const QString& text)
+{
+    if (text.trimmed() == m_search)
+        return;
+    m_search = text.trimmed();
+    rebuild();
+}
+
+bool MembershipRankModel::matches(const OrgNode* placement, Qt::CaseSensitivity cs) const
+{
+    const MemberRecord* member = m_doc.chart().findMember(placement->memberId());
+    return (member && (member->MemberID.contains(m_search, cs) || member->MemberName.contains(m_search, cs)))
+        || m_paths.pathOf(placement).contains(m_search, cs)
+        || m_doc.ranks().nameOf(placement->rankId()).contains(m_search, cs);
 }
 
 int MembershipRankModel::rowCount(const QModelIndex& parent) const
@@ -172,7 +194,7 @@ QVariant MembershipRankModel::data(const QModelIndex& index, int role) const
         return member ? member->MemberID : QString();
     }
     case ColDepartment:
-        return chart.departmentPath(placement);
+        return m_paths.pathOf(placement);
     case ColRank:
         return m_doc.ranks().nameOf(placement->rankId());
     default:
@@ -215,13 +237,27 @@ Qt::ItemFlags MembershipRankModel::flags(const QModelIndex& index) const
 
 void MembershipRankModel::nodeChanged(const OrgNode* node)
 {
+    // A rank or a department's name changed: what the search finds may have changed with it.
+    if (!m_search.isEmpty())
+        m_rebuild.start();
+    if (node->isGroup() && !m_rows.empty()) {
+        Q_EMIT dataChanged(index(0, ColDepartment), index(static_cast<int>(m_rows.size()) - 1, ColDepartment));
+        return;
+    }
     const int row = m_rowOf.value(node, -1);
     if (row >= 0)
         Q_EMIT dataChanged(index(row, 0), index(row, ColumnCount - 1));
 }
 
+void MembershipRankModel::membersChanged(const std::vector<int>&)
+{
+    memberChanged(0);
+}
+
 void MembershipRankModel::memberChanged(int)
 {
+    if (!m_search.isEmpty())
+        m_rebuild.start();
     // A login ID changed somewhere; the rows show it on their next paint.
     if (!m_rows.empty())
         Q_EMIT dataChanged(index(0, ColLoginId), index(static_cast<int>(m_rows.size()) - 1, ColLoginId));

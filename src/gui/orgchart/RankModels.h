@@ -1,5 +1,6 @@
 #pragma once
 
+#include "orgchart/DepartmentPaths.h"
 #include "orgchart/OrgChartListener.h"
 
 #include <QAbstractItemModel>
@@ -42,7 +43,8 @@ private:
 };
 
 // The membership list "직급별 목록": a row per member placement in tree order, with the member's
-// login ID, the department path and the rank, chosen from the rank names and "직급없음".
+// login ID, the department path and the rank, chosen from the rank names and "직급없음". A search
+// text keeps the rows whose ID, member name, department or rank holds it.
 class MembershipRankModel final
     : public QAbstractTableModel
     , private OrgChartListener
@@ -62,10 +64,14 @@ public:
     ~MembershipRankModel() override;
 
     OrgNode* placementAt(int row) const;
+    // The row of a placement, or -1 when it is not listed.
+    int rowOf(const OrgNode* placement) const { return m_rowOf.value(placement, -1); }
     // The choices of the rank column: the rank names in order, then "직급없음".
     QStringList rankOptions() const;
     // Rebuilds the rows now (it happens by itself, once, after the chart or the ranks changed).
     void rebuild();
+    void setSearchText(const QString& text);
+    const QString& searchText() const { return m_search; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -80,10 +86,16 @@ private:
     void nodesRemoved(const OrgNode*, int, int) override { m_rebuild.start(); }
     void nodeMoved(const OrgNode*, int, int) override { m_rebuild.start(); }
     void childrenReordered(const OrgNode*) override { m_rebuild.start(); }
+    void nodeReparented(const OrgNode*, int, const OrgNode*, int) override { m_rebuild.start(); }
+    void treeRestructured(const std::vector<const OrgNode*>&) override { m_rebuild.start(); }
     void nodeChanged(const OrgNode* node) override;
     void memberChanged(int row) override;
+    void membersChanged(const std::vector<int>& rows) override;
+    bool matches(const OrgNode* placement, Qt::CaseSensitivity cs) const;
 
     CSableManagerDoc& m_doc;
+    DepartmentPaths m_paths;
+    QString m_search;
     std::vector<OrgNode*> m_rows;
     QHash<const OrgNode*, int> m_rowOf;
     QTimer m_rebuild;

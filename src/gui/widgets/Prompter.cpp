@@ -1,5 +1,6 @@
 #include "widgets/Prompter.h"
 
+#include <QInputDialog>
 #include <QMessageBox>
 
 namespace sable {
@@ -7,7 +8,9 @@ namespace {
 
 QString titleOf(QWidget* parent)
 {
-    return parent && parent->window() ? parent->window()->windowTitle() : QStringLiteral("SableManager");
+    // Without the window's mark of unsaved edits, which only its own title bar draws.
+    return parent && parent->window() ? parent->window()->windowTitle().remove(QStringLiteral("[*]"))
+                                      : QStringLiteral("SableManager");
 }
 
 } // namespace
@@ -48,6 +51,11 @@ Prompter Prompter::messageBoxes()
         QMessageBox box(QMessageBox::Critical, titleOf(parent), summary, QMessageBox::Ok, parent);
         box.setDetailedText(details);
         box.exec();
+    };
+    prompter.choose = [](QWidget* parent, const QString& question, const QStringList& choices) {
+        bool bChosen = false;
+        const QString choice = QInputDialog::getItem(parent, titleOf(parent), question, choices, 0, false, &bChosen);
+        return bChosen ? static_cast<int>(choices.indexOf(choice)) : -1;
     };
     return prompter;
 }

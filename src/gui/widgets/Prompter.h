@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -34,6 +35,9 @@ struct Prompter
 
     bool confirmDestroy(QWidget* parent, const QString& question) const;
     void showError(QWidget* parent, const QString& summary, const QString& details) const;
+
+    // One of `choices` (its index), or -1 when the question is cancelled.
+    std::function<int(QWidget* parent, const QString& question, const QStringList& choices)> choose;
 
     // Message boxes, titled with the window's title.
     static Prompter messageBoxes();
