@@ -40,6 +40,11 @@ function(sable_write_windows_syntax_lists)
     get_target_property(curl_dirs CURL::libcurl INTERFACE_INCLUDE_DIRECTORIES)
     find_path(SABLE_CURL_HEADERS curl/curl.h HINTS ${curl_dirs} NO_DEFAULT_PATH REQUIRED)
     file(CREATE_LINK ${SABLE_CURL_HEADERS}/curl ${third_party}/curl SYMBOLIC)
+    get_target_property(zlib_dirs ZLIB::ZLIB INTERFACE_INCLUDE_DIRECTORIES)
+    foreach(header IN ITEMS zlib.h zconf.h)
+        find_file(SABLE_ZLIB_${header} ${header} HINTS ${zlib_dirs} NO_DEFAULT_PATH REQUIRED)
+        file(CREATE_LINK ${SABLE_ZLIB_${header}} ${third_party}/${header} SYMBOLIC)
+    endforeach()
 
     # What Qt's own packages add on Windows (Qt6::Platform built by MinGW): the platform macros, the
     # wide-character Windows API, and the win32-g++ mkspec in place of this system's.

@@ -26,6 +26,12 @@ AppPaths AppPaths::forFolder(const QString& folder)
     return paths;
 }
 
+// Set by the build on this one file; a build that names none (the Windows compile check among them)
+// runs from the executable's folder.
+#ifndef SABLE_DEFAULT_HOME
+#define SABLE_DEFAULT_HOME ""
+#endif
+
 QString AppPaths::builtInHome()
 {
     return QStringLiteral(SABLE_DEFAULT_HOME);
