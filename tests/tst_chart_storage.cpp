@@ -4,17 +4,23 @@
 #include "ChartText.h"
 #include "TestSupport.h"
 #include "document/CSableManagerDoc.h"
+#include "document/ChartEdits.h"
 #include "document/ChartJson.h"
+#include "document/ChartMerge.h"
 #include "document/ChartReader.h"
 #include "document/ChartSave.h"
 #include "document/ChartTables.h"
 #include "document/DemoOrganisation.h"
+#include "document/MergeEdits.h"
 #include "platform/ChangeNotice.h"
 #include "platform/IniFile.h"
 
 #include <QNetworkDatagram>
+#include <QRandomGenerator>
 #include <QTest>
 #include <QUdpSocket>
+
+#include <thread>
 
 using namespace sable;
 
@@ -129,6 +135,8 @@ private Q_SLOTS:
     void loadProblemsAreTold_data();
     void loadProblemsAreTold();
     void saveChecksAndServices();
+    void racingSavesLoseNothing_data();
+    void racingSavesLoseNothing();
 
 private:
     ChartSave::Collaborators saveWith(const QString& connectionString, QStringList* calls = nullptr);
@@ -578,3 +586,122 @@ void TestChartStorage::saveChecksAndServices()
 
 QTEST_GUILESS_MAIN(TestChartStorage)
 #include "tst_chart_storage.moc"
+
+namespace {
+
+// Saves as sablectl does: when someone saved meanwhile, merges and tries again. False (with the
+// reason) when it cannot get through.
+bool saveMerging(CSableManagerDoc& doc, const IniFile& settings, const ChartSave::Collaborators& with, QString* why)
+{
+    for (int attempt = 0; attempt < 50; ++attempt) {
+        std::shared_ptr<const ChartTables> theirs;
+        switch (ChartSave::run(doc, settings, with, &theirs)) {
+        case ChartSave::Outcome::Saved:
+            // Writers pause between saves, however briefly, as people and scripts do.
+            std::this_thread::sleep_for(std::chrono::milliseconds(QRandomGenerator::global()->bounded(3)));
+            return true;
+        case ChartSave::Outcome::Conflict: {
+            ChartMerge merge(doc.base(), doc.tables(), theirs);
+            if (!merge.conflicts().empty()) {
+                *why = QStringLiteral("a conflict: ") + merge.conflicts().front().name;
+                return false;
+            }
+            QStringList dropped;
+            MergeEdits::applyMerge(doc, merge, &dropped);
+            if (!dropped.isEmpty()) {
+                *why = QStringLiteral("dropped: ") + dropped.join(QLatin1Char(','));
+                return false;
+            }
+            // A writer that saves without pause would otherwise get in first every time.
+            std::this_thread::sleep_for(
+                std::chrono::milliseconds(QRandomGenerator::global()->bounded(1 << std::min(attempt, 6))));
+            break;
+        }
+        default:
+            *why = QStringLiteral("not saved: ") + DbConnection::lastError();
+            return false;
+        }
+    }
+    *why = QStringLiteral("never got through");
+    return false;
+}
+
+// One writer of the race: each round adds a department named after the writer and the round, and
+// puts the round into the e-mail of the writer's own user, then saves.
+void raceWriter(const QString& db, const IniFile& settings, const ChartSave::Collaborators& with, const QString& name,
+    int memberRow, int rounds, QString* failure)
+{
+    ChartReader::Result loaded = load(db);
+    if (loaded.outcome != ChartReader::Outcome::Loaded) {
+        *failure = name + QStringLiteral(": not loaded");
+        return;
+    }
+    CSableManagerDoc doc;
+    doc.adopt(std::move(loaded.contents));
+    for (int round = 0; round < rounds; ++round) {
+        ChartEdits edits(doc);
+        const EditOutcome added = edits.addDepartment(doc.chart().rootGroup());
+        edits.renameDepartment(added.node, QStringLiteral("%1-%2").arg(name).arg(round));
+        edits.editCell(memberRow, ColEmail, QStringLiteral("%1@round%2").arg(name).arg(round));
+        QString why;
+        if (!saveMerging(doc, settings, with, &why)) {
+            *failure = QStringLiteral("%1, round %2: %3").arg(name).arg(round).arg(why);
+            return;
+        }
+    }
+}
+
+} // namespace
+
+void TestChartStorage::racingSavesLoseNothing_data()
+{
+    addEngineRows();
+}
+
+// Two writers on their own connections save in turn as fast as they can: every save is checked
+// against the database under the lock, so each round of both survives, whoever saved last.
+void TestChartStorage::racingSavesLoseNothing()
+{
+    QFETCH(QString, kind);
+    if (kind == QLatin1String("postgresql"))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(kind, m_home, m_pg);
+    QVERIFY(!db.isEmpty());
+    {
+        CSableManagerDoc demo;
+        demo.adopt(DemoOrganisation::contents());
+        QCOMPARE(ChartSave::run(demo, IniFile(m_home.path(QStringLiteral("race-%1.ini").arg(kind))), saveWith(db)),
+            ChartSave::Outcome::Saved);
+    }
+    const int groupsBefore = load(db).contents.chart->groupCount();
+    const IniFile settings(m_home.path(QStringLiteral("race-%1.ini").arg(kind)));
+    const ChartSave::Collaborators with = saveWith(db);
+    constexpr int kRounds = 100;
+    QString failureA;
+    QString failureB;
+    std::thread a(raceWriter, db, std::cref(settings), std::cref(with), QStringLiteral("A"), 0, kRounds, &failureA);
+    std::thread b(raceWriter, db, std::cref(settings), std::cref(with), QStringLiteral("B"), 1, kRounds, &failureB);
+    a.join();
+    b.join();
+    QVERIFY2(failureA.isEmpty(), qPrintable(failureA));
+    QVERIFY2(failureB.isEmpty(), qPrintable(failureB));
+
+    DbConnection connection;
+    QVERIFY(connection.open(db));
+    const std::optional<ChartTables> tables = ChartTables::read(connection);
+    QVERIFY(tables);
+    QStringList names;
+    for (const GroupRow& row : tables->groups)
+        names << row.GroupName;
+    QCOMPARE(names.size(), groupsBefore + 2 * kRounds);
+    for (int round = 0; round < kRounds; ++round) {
+        for (const QString& writer : {QStringLiteral("A"), QStringLiteral("B")}) {
+            const QString name = QStringLiteral("%1-%2").arg(writer).arg(round);
+            QVERIFY2(names.count(name) == 1, qPrintable(name));
+        }
+    }
+    QCOMPARE(tables->members[0].Email, QStringLiteral("A@round%1").arg(kRounds - 1));
+    QCOMPARE(tables->members[1].Email, QStringLiteral("B@round%1").arg(kRounds - 1));
+    // Each save raised the version once: the demo's and the two hundred.
+    QCOMPARE(settings.readInt(QStringLiteral("GroupInfo"), QStringLiteral("Version"), 0), 1 + 2 * kRounds);
+}

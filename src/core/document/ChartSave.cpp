@@ -78,8 +78,8 @@ bool Writing::checkBeforeWriting()
         return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
     // The version is raised inside the transaction; a settings file that cannot take it (a lock
     // held, a folder in its place, a full disk) must stop the save before the transaction begins.
-    const QString version = m_settings.readString(Keys::kGroupInfo, Keys::kVersion, QString(), 32);
-    if (!m_settings.writeString(Keys::kGroupInfo, Keys::kVersion, version.isEmpty() ? QStringLiteral("0000") : version))
+    // Another save may raise the version meanwhile: the check never writes a value of its own over it.
+    if (!m_settings.writeDefault(Keys::kGroupInfo, Keys::kVersion, QStringLiteral("0000")))
         return refuse(Msg::kSaveSettingsNotWritable.arg(m_settings.path()));
     return true;
 }

@@ -87,9 +87,21 @@ int IniFile::readInt(const QString& section, const QString& key, int defaultValu
 
 bool IniFile::writeString(const QString& section, const QString& key, const QString& value) const
 {
+    return update(section, key, value, true);
+}
+
+bool IniFile::writeDefault(const QString& section, const QString& key, const QString& value) const
+{
+    return update(section, key, value, false);
+}
+
+bool IniFile::update(const QString& section, const QString& key, const QString& value, bool bReplace) const
+{
     return AtomicFile::update(m_path, [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
         SectionedText text(iniSyntax(), kNativeEol);
         text.parse(current.bytes);
+        if (!bReplace && text.entryText(section, key))
+            return current.bytes;
         const QByteArray header = '[' + section.toUtf8() + ']';
         QByteArray keyText = key.toUtf8();
         // An existing key keeps the spelling it has in the file.

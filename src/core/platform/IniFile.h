@@ -26,8 +26,14 @@ public:
     // Writes the value under the key, creating the file and the section when needed. The file is
     // replaced atomically; false when it could not be written.
     bool writeString(const QString& section, const QString& key, const QString& value) const;
+    // Writes `value` under the key only when the key has none, and otherwise replaces the file with
+    // what it holds, all under the file's lock: true proves the file can be written, and a value
+    // another program wrote meanwhile is never put back to an older one.
+    bool writeDefault(const QString& section, const QString& key, const QString& value) const;
 
 private:
+    bool update(const QString& section, const QString& key, const QString& value, bool bReplace) const;
+
     QString m_path;
 };
 
