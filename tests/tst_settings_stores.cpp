@@ -38,6 +38,7 @@ private Q_SLOTS:
     void registryReadsWindowsExport();
     void registryUnreadableFile();
     void registryTwoWritersAtOnce();
+    void registryValuesTogether();
 
 private:
     TempHome m_home;
@@ -378,6 +379,33 @@ void TestSettingsStores::registryTwoWritersAtOnce()
                 qPrintable(QStringLiteral("%1%2").arg(QLatin1String(prefix)).arg(i)));
         }
     }
+}
+
+void TestSettingsStores::registryValuesTogether()
+{
+    TempHome home;
+    const Registry registry = home.registry();
+    const auto key = registry.createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("SupervisorUser"), QStringLiteral("old")));
+    QVERIFY(key->writeValues(RegistryValues()
+                                 .string(QStringLiteral("SupervisorURL"), QStringLiteral("http://127.0.0.1:9001/RPC2"))
+                                 .string(QStringLiteral("SupervisorUser"), QStringLiteral("sable"))
+                                 .string(QStringLiteral("SupervisorPassword"), QStringLiteral("암호\n둘째 줄"))
+                                 .dword(QStringLiteral("MailPort"), 587)));
+    QCOMPARE(key->readString(QStringLiteral("SupervisorURL"), 1024),
+        std::optional<QString>(QStringLiteral("http://127.0.0.1:9001/RPC2")));
+    QCOMPARE(key->readString(QStringLiteral("SupervisorUser"), 1024), std::optional<QString>(QStringLiteral("sable")));
+    QCOMPARE(key->readString(QStringLiteral("SupervisorPassword"), 1024),
+        std::optional<QString>(QStringLiteral("암호\n둘째 줄")));
+    QCOMPARE(key->readDword(QStringLiteral("MailPort")), std::optional<quint32>(587));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")).count("SupervisorUser"), 1);
+
+    // Into a key that is not there: nothing at all.
+    const QByteArray before = home.readFile(QStringLiteral("registry/HKLM.reg"));
+    QVERIFY(!registry.backend().writeValues(
+        RegRoot::LocalMachine, "SOFTWARE\\Halvex\\Missing", {{"A", std::string("1")}, {"B", std::uint32_t {2}}}));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")), before);
 }
 
 QTEST_GUILESS_MAIN(TestSettingsStores)

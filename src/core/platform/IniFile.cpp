@@ -87,15 +87,22 @@ int IniFile::readInt(const QString& section, const QString& key, int defaultValu
 
 bool IniFile::writeString(const QString& section, const QString& key, const QString& value) const
 {
+    return writeStrings(section, {{key, value}});
+}
+
+bool IniFile::writeStrings(const QString& section, const QList<std::pair<QString, QString>>& values) const
+{
     return AtomicFile::update(m_path, [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
         SectionedText text(iniSyntax(), kNativeEol);
         text.parse(current.bytes);
         const QByteArray header = '[' + section.toUtf8() + ']';
-        QByteArray keyText = key.toUtf8();
-        // An existing key keeps the spelling it has in the file.
-        if (const auto existing = text.entryText(section, key))
-            keyText = existing->first(existing->indexOf('=')).trimmed();
-        text.setEntry(section, header, key, keyText + '=' + value.toUtf8());
+        for (const auto& [key, value] : values) {
+            QByteArray keyText = key.toUtf8();
+            // An existing key keeps the spelling it has in the file.
+            if (const auto existing = text.entryText(section, key))
+                keyText = existing->first(existing->indexOf('=')).trimmed();
+            text.setEntry(section, header, key, keyText + '=' + value.toUtf8());
+        }
         return text.serialize();
     });
 }

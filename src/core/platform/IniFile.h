@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+
+#include <utility>
 
 namespace sable {
 
@@ -26,6 +29,9 @@ public:
     // Writes the value under the key, creating the file and the section when needed. The file is
     // replaced atomically; false when it could not be written.
     bool writeString(const QString& section, const QString& key, const QString& value) const;
+    // Writes keys that belong together in one replacement of the file: a reader, or a writer killed
+    // halfway, sees all of them or none.
+    bool writeStrings(const QString& section, const QList<std::pair<QString, QString>>& values) const;
 
 private:
     QString m_path;

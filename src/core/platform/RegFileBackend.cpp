@@ -175,6 +175,15 @@ QByteArray hexString(const QString& value)
     return "hex(1):" + parts.join(u',').toUtf8();
 }
 
+QByteArray dataText(const RegValue& value)
+{
+    if (const auto* number = std::get_if<std::uint32_t>(&value.data))
+        return "dword:" + QByteArray::number(*number, 16).rightJustified(8, '0');
+    const QString text = QString::fromStdString(std::get<std::string>(value.data));
+    const bool plain = !text.contains(u'\n') && !text.contains(u'\r') && !text.contains(QChar(0));
+    return plain ? quoted(text.toUtf8()) : hexString(text);
+}
+
 } // namespace
 
 RegFileBackend::RegFileBackend(QString localMachineFile, QString currentUserFile)
@@ -250,14 +259,12 @@ ValuePresence RegFileBackend::valuePresence(RegRoot root, const std::string& pat
 bool RegFileBackend::writeString(
     RegRoot root, const std::string& path, const std::string& name, const std::string& value)
 {
-    const QString text = QString::fromStdString(value);
-    const bool plain = !text.contains(u'\n') && !text.contains(u'\r') && !text.contains(QChar(0));
-    return writeValue(root, path, name, plain ? quoted(text.toUtf8()) : hexString(text));
+    return writeValues(root, path, {{name, value}});
 }
 
 bool RegFileBackend::writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value)
 {
-    return writeValue(root, path, name, "dword:" + QByteArray::number(value, 16).rightJustified(8, '0'));
+    return writeValues(root, path, {{name, value}});
 }
 
 std::optional<QByteArray> RegFileBackend::valueText(
@@ -266,10 +273,9 @@ std::optional<QByteArray> RegFileBackend::valueText(
     return load(fileOf(root)).entryText(sectionOf(root, path), QString::fromStdString(name));
 }
 
-bool RegFileBackend::writeValue(RegRoot root, const std::string& path, const std::string& name, const QByteArray& data)
+bool RegFileBackend::writeValues(RegRoot root, const std::string& path, const std::vector<RegValue>& values)
 {
     const QString section = sectionOf(root, path);
-    const QString valueName = QString::fromStdString(name);
     bool keyFound = true;
     const bool written
         = AtomicFile::update(fileOf(root), [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
@@ -278,8 +284,11 @@ bool RegFileBackend::writeValue(RegRoot root, const std::string& path, const std
               keyFound = text.hasSectionUnder(section, u'\\');
               if (!keyFound)
                   return std::nullopt;
-              const QByteArray entryName = valueName.isEmpty() ? QByteArray("@") : quoted(valueName.toUtf8());
-              text.setEntry(section, '[' + section.toUtf8() + ']', valueName, entryName + '=' + data);
+              for (const RegValue& value : values) {
+                  const QString name = QString::fromStdString(value.name);
+                  const QByteArray entryName = name.isEmpty() ? QByteArray("@") : quoted(name.toUtf8());
+                  text.setEntry(section, '[' + section.toUtf8() + ']', name, entryName + '=' + dataText(value));
+              }
               return text.serialize();
           });
     return written && keyFound;

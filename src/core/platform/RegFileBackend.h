@@ -26,10 +26,11 @@ public:
     ValuePresence valuePresence(RegRoot root, const std::string& path, const std::string& name) override;
     bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value) override;
     bool writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value) override;
+    // All values in one replacement of the file.
+    bool writeValues(RegRoot root, const std::string& path, const std::vector<RegValue>& values) override;
 
 private:
     std::optional<QByteArray> valueText(RegRoot root, const std::string& path, const std::string& name) const;
-    bool writeValue(RegRoot root, const std::string& path, const std::string& name, const QByteArray& data);
 
     QString m_localMachineFile;
     QString m_currentUserFile;

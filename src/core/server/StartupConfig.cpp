@@ -83,9 +83,9 @@ ConnectionSetting StartupConfig::settleConnection() const
         return setting;
     setting.text = DbConnection::defaultConnectionString(m_paths.defaultDatabasePath);
     if (const auto key = m_registry.createKey(RegRoot::LocalMachine, Keys::kDatabase)) {
-        key->writeString(Keys::kConnectionString, setting.text);
-        key->writeString(Keys::kDatabaseType, defaultDatabaseType());
-        setting.bWroteDefault = true;
+        setting.bWroteDefault = key->writeValues(RegistryValues()
+                                                     .string(Keys::kConnectionString, setting.text)
+                                                     .string(Keys::kDatabaseType, defaultDatabaseType()));
     }
     return setting;
 }
