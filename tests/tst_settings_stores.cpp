@@ -8,7 +8,13 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QTest>
+#include <QThread>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 using namespace sable;
 
@@ -39,6 +45,9 @@ private Q_SLOTS:
     void registryUnreadableFile();
     void registryTwoWritersAtOnce();
     void registryValuesTogether();
+    void newFilesAreTheOwners_data();
+    void newFilesAreTheOwners();
+    void writerKilledAtRandomMoments();
 
 private:
     TempHome m_home;
@@ -211,7 +220,7 @@ void TestSettingsStores::iniWrite()
         m_home.writeFile(name, before);
     QVERIFY(IniFile(m_home.path(name)).writeString(section, key, value));
     QCOMPARE(m_home.readFile(name), after);
-    QVERIFY(!QFile::exists(m_home.path(name) + QStringLiteral(".lock")));
+    QVERIFY(!QFile::exists(m_home.path(name) + QStringLiteral(".tmp")));
 }
 
 void TestSettingsStores::iniUnreadableFileIsNeverReplaced()
@@ -406,6 +415,93 @@ void TestSettingsStores::registryValuesTogether()
     QVERIFY(!registry.backend().writeValues(
         RegRoot::LocalMachine, "SOFTWARE\\Halvex\\Missing", {{"A", std::string("1")}, {"B", std::uint32_t {2}}}));
     QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")), before);
+}
+
+void TestSettingsStores::newFilesAreTheOwners_data()
+{
+    QTest::addColumn<QString>("file"); // below the temporary folder
+    QTest::addColumn<int>("modeBefore"); // 0: no file
+    QTest::addColumn<int>("modeAfter");
+    QTest::newRow("new registry in a new folder") << "registry/HKLM.reg" << 0 << 0600;
+    QTest::newRow("new settings file") << "home/Serverinfo.ini" << 0 << 0600;
+    QTest::newRow("shared with a group") << "home/Serverinfo.ini" << 0660 << 0660;
+    QTest::newRow("readable by all") << "registry/HKLM.reg" << 0644 << 0644;
+}
+
+void TestSettingsStores::newFilesAreTheOwners()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("file modes are POSIX's");
+#else
+    QFETCH(QString, file);
+    QFETCH(int, modeBefore);
+    QFETCH(int, modeAfter);
+    TempHome home;
+    const QString path = home.path(file);
+    if (modeBefore != 0) {
+        home.writeFile(file, "Windows Registry Editor Version 5.00\r\n\r\n");
+        QVERIFY(::chmod(QFile::encodeName(path).constData(), static_cast<mode_t>(modeBefore)) == 0);
+    }
+    if (file.endsWith(QLatin1String(".ini")))
+        QVERIFY(IniFile(path).writeString(QStringLiteral("DBInfo"), QStringLiteral("PWD"), QStringLiteral("secret")));
+    else
+        QVERIFY(home.registry().createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex")));
+    const auto modeOf = [](const QString& name) {
+        struct stat info = {};
+        return ::stat(QFile::encodeName(name).constData(), &info) == 0 ? int(info.st_mode & 07777) : -1;
+    };
+    QCOMPARE(modeOf(path), modeAfter);
+    // The lock file: no more open than the file it guards (less where the umask says so).
+    QCOMPARE(modeOf(path + QStringLiteral(".lock")) & ~modeAfter, 0);
+    QVERIFY((modeOf(path + QStringLiteral(".lock")) & 0600) == 0600);
+    if (modeBefore == 0 && file.startsWith(QLatin1String("registry")))
+        QCOMPARE(modeOf(QFileInfo(path).absolutePath()), 0700);
+#endif
+}
+
+void TestSettingsStores::writerKilledAtRandomMoments()
+{
+    // The writer replaces the file again and again with one batch of values that name their
+    // generation; killed at any moment, it leaves the file whole and one generation throughout,
+    // and its lock dies with it.
+    TempHome home;
+    const QString file = home.path(QStringLiteral("HKLM.reg"));
+    RegFileBackend backend(file, file + QStringLiteral(".hkcu"));
+    const std::string key = "SOFTWARE\\Halvex\\Race";
+    int generationsSeen = 0;
+    for (int round = 0; round < 40; ++round) {
+        QProcess writer;
+        writer.start(QStringLiteral(REGWRITER_PATH), {file, QStringLiteral("--generations")});
+        QVERIFY(writer.waitForStarted());
+        // Most rounds wait for the first write, so that the kill lands among the writes; others
+        // kill it while it starts, takes the lock or writes its first generation.
+        if (round % 4 != 0)
+            QVERIFY2(writer.waitForReadyRead(20000), "no writer got the lock");
+        QThread::usleep(QRandomGenerator::global()->bounded(30000));
+        writer.kill();
+        QVERIFY(writer.waitForFinished(10000));
+        const auto generation = backend.readDword(RegRoot::LocalMachine, key, "Generation");
+        if (!generation) {
+            QVERIFY(!backend.readString(RegRoot::LocalMachine, key, "URL", 1024));
+            continue;
+        }
+        ++generationsSeen;
+        const std::string tag = std::to_string(*generation);
+        QCOMPARE(backend.readString(RegRoot::LocalMachine, key, "URL", 1024),
+            std::optional<std::string>("http://host-" + tag + "/RPC2"));
+        QCOMPARE(
+            backend.readString(RegRoot::LocalMachine, key, "User", 1024), std::optional<std::string>("user-" + tag));
+        QCOMPARE(backend.readString(RegRoot::LocalMachine, key, "Password", 1024),
+            std::optional<std::string>("secret-" + tag));
+        QCOMPARE(backend.valuePresence(RegRoot::LocalMachine, key, "Padding"), ValuePresence::Present);
+        QCOMPARE(
+            backend.readString(RegRoot::LocalMachine, key, "Padding", 1 << 20).value_or("").size(), size_t(64 * 1024));
+    }
+    QVERIFY(generationsSeen > 0);
+    // The next writer is not kept waiting by any of the killed ones, and clears what they left.
+    QVERIFY(backend.writeValues(RegRoot::LocalMachine, key, {{"Generation", std::uint32_t {0}}}));
+    QCOMPARE(backend.readDword(RegRoot::LocalMachine, key, "Generation"), std::optional<std::uint32_t>(0));
+    QVERIFY(!QFile::exists(file + QStringLiteral(".tmp")));
 }
 
 QTEST_GUILESS_MAIN(TestSettingsStores)
