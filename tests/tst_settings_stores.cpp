@@ -2,6 +2,7 @@
 // files, and the code-page byte counting that both rely on.
 
 #include "TestSupport.h"
+#include "platform/AtomicFile.h"
 #include "platform/CodePage949.h"
 #include "platform/IniFile.h"
 #include "platform/RegFileBackend.h"
@@ -45,6 +46,9 @@ private Q_SLOTS:
     void registryUnreadableFile();
     void registryTwoWritersAtOnce();
     void registryValuesTogether();
+    void registryContinuedLines_data();
+    void registryContinuedLines();
+    void registryFileTooLarge();
     void newFilesAreTheOwners_data();
     void newFilesAreTheOwners();
     void writerKilledAtRandomMoments();
@@ -415,6 +419,80 @@ void TestSettingsStores::registryValuesTogether()
     QVERIFY(!registry.backend().writeValues(
         RegRoot::LocalMachine, "SOFTWARE\\Halvex\\Missing", {{"A", std::string("1")}, {"B", std::uint32_t {2}}}));
     QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")), before);
+}
+
+void TestSettingsStores::registryContinuedLines_data()
+{
+    QTest::addColumn<QByteArray>("values");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("expected"); // read as a string; empty: no string
+    QTest::addColumn<QString>("next"); // "Next" read afterwards
+    // "AB" as regedit writes a long hex(1) string: over lines that end in a backslash.
+    const QByteArray hex = "\"Text\"=hex(1):41,00,\\\r\n  42,00,\\\r\n  00,00\r\n";
+    QTest::newRow("hex data goes on") << hex + "\"Next\"=\"n\"\r\n"
+                                      << "Text"
+                                      << "AB"
+                                      << "n";
+    QTest::newRow("a hand-edited string cut after a backslash")
+        << QByteArray("\"Path\"=\"C:\\Sable\\\r\n\"Next\"=\"n\"\r\n") << "Path"
+        << ""
+        << "n";
+    QTest::newRow("a dword ends with its line")
+        << QByteArray("\"Port\"=dword:00000015\\\r\n\"Next\"=\"n\"\r\n") << "Port"
+        << ""
+        << "n";
+    QTest::newRow("default value with hex data")
+        << QByteArray("@=hex(1):41,00,\\\r\n  00,00\r\n\"Next\"=\"n\"\r\n") << ""
+        << "A"
+        << "n";
+}
+
+void TestSettingsStores::registryContinuedLines()
+{
+    QFETCH(QByteArray, values);
+    QFETCH(QString, name);
+    QFETCH(QString, expected);
+    QFETCH(QString, next);
+    TempHome home;
+    home.writeFile(QStringLiteral("registry/HKLM.reg"),
+        "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\SableManager]\r\n"
+            + values);
+    const auto key = home.registry().openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QCOMPARE(key->readString(name, 1024).value_or(QString()), expected);
+    QCOMPARE(key->readString(QStringLiteral("Next"), 1024), std::optional<QString>(next));
+    // Written back, the value after keeps its line.
+    QVERIFY(key->writeString(QStringLiteral("Next"), QStringLiteral("m")));
+    QCOMPARE(key->readString(QStringLiteral("Next"), 1024), std::optional<QString>(QStringLiteral("m")));
+    QCOMPARE(key->readString(name, 1024).value_or(QString()), expected);
+}
+
+void TestSettingsStores::registryFileTooLarge()
+{
+    TempHome home;
+    const QByteArray head = "Windows Registry Editor Version 5.00\r\n\r\n"
+                            "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\Services\\DataBase]\r\n"
+                            "\"ConnectionString\"=\"Provider=SQLite;Data Source=SableDB.db\"\r\n";
+    home.writeFile(QStringLiteral("registry/HKLM.reg"), head);
+    const QString file = home.path(QStringLiteral("registry/HKLM.reg"));
+    // Sparse: the test writes no 64 MiB, and the reader must not read them either.
+    QVERIFY(QFile(file).resize(AtomicFile::kMaxBytes + 1));
+    const Registry registry = home.registry();
+    const QString path = QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase");
+    QVERIFY(!registry.openKey(RegRoot::LocalMachine, path));
+    QCOMPARE(registry.presence(RegRoot::LocalMachine, path, QStringLiteral("ConnectionString")),
+        ValuePresence::FileTooLarge);
+    QVERIFY(!registry.createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex")));
+    const ConnectionSetting settled = home.config().settleConnection();
+    QVERIFY(settled.text.isEmpty() && !settled.bWroteDefault);
+    QVERIFY2(settled.problem.contains(QLatin1String("64MiB")), qPrintable(settled.problem));
+    QCOMPARE(QFileInfo(file).size(), AtomicFile::kMaxBytes + 1);
+    QFile in(file);
+    QVERIFY(in.open(QIODevice::ReadOnly));
+    QCOMPARE(in.read(head.size()), head);
+    // One byte less is a registry again.
+    QVERIFY(QFile(file).resize(AtomicFile::kMaxBytes));
+    QVERIFY(registry.openKey(RegRoot::LocalMachine, path));
 }
 
 void TestSettingsStores::newFilesAreTheOwners_data()

@@ -39,7 +39,16 @@ Contents read(const QString& path)
         return {ReadStatus::Missing, {}};
     if (!file.open(QIODevice::ReadOnly))
         return {ReadStatus::Unreadable, {}};
-    return {ReadStatus::Ok, file.readAll()};
+    const qint64 size = file.size();
+    if (size > kMaxBytes)
+        return {ReadStatus::TooLarge, {}};
+    // What the size said and no more, should the file grow meanwhile.
+    QByteArray bytes(size, Qt::Uninitialized);
+    const qint64 got = file.read(bytes.data(), size);
+    if (got < 0)
+        return {ReadStatus::Unreadable, {}};
+    bytes.truncate(got);
+    return {ReadStatus::Ok, std::move(bytes)};
 }
 
 bool update(const QString& path, const std::function<std::optional<QByteArray>(const Contents&)>& change)

@@ -13,7 +13,12 @@ enum class ReadStatus
     Ok,
     Missing,
     Unreadable,
+    TooLarge,
 };
+
+// The settings files are a few kilobytes; one larger than this is no settings file (a file copied
+// over it, a runaway writer) and is neither read into memory nor replaced.
+constexpr qint64 kMaxBytes = qint64(64) * 1024 * 1024;
 
 struct Contents
 {

@@ -7,6 +7,8 @@
 #include <QList>
 #include <QStringList>
 
+#include <cctype>
+
 namespace sable {
 namespace {
 
@@ -35,12 +37,35 @@ public:
         return name;
     }
 
-    bool continues(QByteArrayView line) const override { return line.trimmed().endsWith('\\'); }
+    // Only hexadecimal data goes on in the next line (`"Path"=hex(2):43,00,\`, then lines of bytes);
+    // any other value ends with its line, also one that a hand edit left ending in a backslash.
+    bool continues(QByteArrayView line) const override
+    {
+        const QByteArrayView text = line.trimmed();
+        if (!text.endsWith('\\'))
+            return false;
+        QString name;
+        const qsizetype end = text.startsWith("@=") ? 1 : parseQuoted(text, &name);
+        if (end < 0)
+            return isHexBytes(text);
+        const QByteArrayView rest = text.sliced(end).trimmed();
+        return rest.startsWith('=') && rest.sliced(1).trimmed().startsWith("hex");
+    }
+
     bool blankLineBeforeNewSection() const override { return true; }
     bool isIgnorable(QByteArrayView line) const override
     {
         const QByteArrayView text = line.trimmed();
         return text.isEmpty() || text.startsWith(';') || text == kHeader || text == "REGEDIT4";
+    }
+
+    static bool isHexBytes(QByteArrayView text)
+    {
+        for (const char c : text) {
+            if (!std::isxdigit(static_cast<unsigned char>(c)) && c != ',' && c != ' ' && c != '\t' && c != '\\')
+                return false;
+        }
+        return true;
     }
 
     // Parses "text" at the start of `text` (with \\ and \" escapes) into `out`; returns the index
@@ -234,7 +259,13 @@ std::optional<std::uint32_t> RegFileBackend::readDword(RegRoot root, const std::
 
 ValuePresence RegFileBackend::valuePresence(RegRoot root, const std::string& path, const std::string& name)
 {
-    const SectionedText text = load(fileOf(root));
+    const AtomicFile::Contents contents = AtomicFile::read(fileOf(root));
+    if (contents.status == AtomicFile::ReadStatus::TooLarge)
+        return ValuePresence::FileTooLarge;
+    if (contents.status != AtomicFile::ReadStatus::Ok && contents.status != AtomicFile::ReadStatus::Missing)
+        return ValuePresence::Damaged; // there, but not to be read: it may hold the value
+    SectionedText text(regSyntax(), kEol);
+    text.parse(contents.bytes);
     const QString section = sectionOf(root, path);
     if (const auto entry = text.entryText(section, QString::fromStdString(name))) {
         const QByteArrayView data = dataOf(*entry);

@@ -8,7 +8,9 @@ namespace sable {
 
 // The registry kept as one text file per root key in the format of regedit exports, so that
 // settings move to and from a Windows machine with regedit. Each write replaces the file atomically
-// under an advisory lock, so two programs that write at once both keep their values.
+// under an advisory lock, so two programs that write at once both keep their values. A file over
+// AtomicFile::kMaxBytes is no registry: it reads as empty, its values as FileTooLarge, and is never
+// written.
 class RegFileBackend final : public RegistryBackend
 {
 public:

@@ -23,6 +23,7 @@ enum class ValuePresence
     Absent,
     Present,
     Damaged, // the text that holds the value, or its key, cannot be parsed: it may be there
+    FileTooLarge, // the file that holds the registry is too large to be a registry, and is not read
 };
 
 // One value of several written together: a string or a DWORD.

@@ -3,6 +3,7 @@
 #include "Messages.h"
 #include "SettingsKeys.h"
 #include "db/DbConnection.h"
+#include "platform/AtomicFile.h"
 #include "platform/CodePage949.h"
 
 #include <limits>
@@ -108,6 +109,9 @@ QString StartupConfig::connectionProblem() const
         return {};
     case ValuePresence::Damaged:
         return Msg::kConnectionStringUnreadable + u'\n' + Msg::kConnectionStringDamaged;
+    case ValuePresence::FileTooLarge:
+        return Msg::kConnectionStringUnreadable + u'\n'
+            + Msg::kRegistryFileTooLarge.arg(AtomicFile::kMaxBytes / (1024 * 1024));
     case ValuePresence::Present:
         break;
     }
