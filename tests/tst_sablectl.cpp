@@ -3,9 +3,12 @@
 #include "TestSupport.h"
 #include "db/ConnectionString.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTest>
+
+#include <sys/stat.h>
 
 class TestSablectl : public QObject
 {
@@ -23,6 +26,7 @@ private Q_SLOTS:
     void textFileIsNoDatabase();
     void usersImportSample();
     void usersImportRefusesMalformedFile();
+    void filesForTheOwnerOnly();
 
 private:
     struct Result
@@ -320,6 +324,41 @@ void TestSablectl::usersImportRefusesMalformedFile()
     QVERIFY2(result.err.contains(QStringLiteral("3번째 줄: 따옴표가 닫히지 않았습니다.; nothing was written")),
         qPrintable(result.err));
     QCOMPARE(tableDump(database), before);
+}
+
+void TestSablectl::filesForTheOwnerOnly()
+{
+    // Settings, the database, restore points and exports hold passwords: what sablectl creates is
+    // its owner's only; a file that exists keeps the mode it was given.
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    const auto ctl = [&](QStringList args) {
+        return run(home, QStringList {QStringLiteral("--home"), folder} + args).code;
+    };
+    QCOMPARE(ctl({QStringLiteral("users"), QStringLiteral("import"), QStringLiteral(SAMPLE_USERS),
+                 QStringLiteral("--update"), QStringLiteral("--yes")}),
+        0);
+    home.writeFile(QStringLiteral("shared.csv"), "x");
+    QVERIFY(::chmod(QFile::encodeName(home.path(QStringLiteral("shared.csv"))).constData(), 0644) == 0);
+    for (const QString& file : {QStringLiteral("users.csv"), QStringLiteral("shared.csv")})
+        QCOMPARE(ctl({QStringLiteral("users"), QStringLiteral("export"), home.path(file)}), 0);
+    QCOMPARE(ctl({QStringLiteral("chart"), QStringLiteral("export"), home.path(QStringLiteral("chart.json"))}), 0);
+
+    const QStringList backups = QDir(folder + QStringLiteral("/backups")).entryList(QDir::Files);
+    QVERIFY(!backups.isEmpty());
+    QList<std::pair<QString, int>> expected {{QStringLiteral("home/SableDB.db"), 0600},
+        {QStringLiteral("registry/HKLM.reg"), 0600}, {QStringLiteral("registry"), 0700},
+        {QStringLiteral("home/backups"), 0700}, {QStringLiteral("users.csv"), 0600},
+        {QStringLiteral("chart.json"), 0600}, {QStringLiteral("shared.csv"), 0644}};
+    for (const QString& file : backups)
+        expected.append({QStringLiteral("home/backups/") + file, 0600});
+    for (const auto& [file, mode] : expected) {
+        struct stat info = {};
+        QVERIFY2(::stat(QFile::encodeName(home.path(file)).constData(), &info) == 0, qPrintable(file));
+        QVERIFY2(int(info.st_mode & 07777) == mode,
+            qPrintable(QStringLiteral("%1: %2").arg(file, QString::number(info.st_mode & 07777, 8))));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestSablectl)
