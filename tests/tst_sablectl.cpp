@@ -27,6 +27,7 @@ private Q_SLOTS:
     void usersImportSample();
     void usersImportRefusesMalformedFile();
     void filesForTheOwnerOnly();
+    void passwordsNeverPrinted();
 
 private:
     struct Result
@@ -358,6 +359,27 @@ void TestSablectl::filesForTheOwnerOnly()
         QVERIFY2(::stat(QFile::encodeName(home.path(file)).constData(), &info) == 0, qPrintable(file));
         QVERIFY2(int(info.st_mode & 07777) == mode,
             qPrintable(QStringLiteral("%1: %2").arg(file, QString::number(info.st_mode & 07777, 8))));
+    }
+}
+
+void TestSablectl::passwordsNeverPrinted()
+{
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    const auto key = home.registry().createKey(
+        sable::RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("ConnectionString"),
+        QStringLiteral("Provider=PostgreSQL;Host=%1;Database=d;User ID=u;Password='very;secret'")
+            .arg(home.path(QStringLiteral("no-server")))));
+    const Result config = run(home, {QStringLiteral("--home"), folder, QStringLiteral("config")});
+    QCOMPARE(config.code, 0);
+    QVERIFY2(config.out.contains(QLatin1String(";User ID=u;Password=****\n")), qPrintable(config.out));
+    const Result info = run(home, {QStringLiteral("--home"), folder, QStringLiteral("db"), QStringLiteral("info")});
+    QCOMPARE(info.code, 1);
+    for (const Result& result : {config, info}) {
+        const QString printed = result.out + result.err;
+        QVERIFY2(!printed.contains(QLatin1String("secret")), qPrintable(printed));
     }
 }
 
