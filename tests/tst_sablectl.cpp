@@ -2,6 +2,7 @@
 
 #include "TestSupport.h"
 #include "db/ConnectionString.h"
+#include "server/ServiceManagerSettings.h"
 
 #include <QDir>
 #include <QProcess>
@@ -28,6 +29,8 @@ private Q_SLOTS:
     void usersImportRefusesMalformedFile();
     void filesForTheOwnerOnly();
     void passwordsNeverPrinted();
+    void servicePasswordKept_data();
+    void servicePasswordKept();
 
 private:
     struct Result
@@ -36,20 +39,25 @@ private:
         QString out;
         QString err;
     };
-    Result run(const TempHome& home, const QStringList& args);
+    Result run(const TempHome& home, const QStringList& args, const QByteArray& input = {});
     // A server folder with the demo organisation in its embedded database.
     bool makeDemoHome(const TempHome& home, const QString& folder);
 };
 
-TestSablectl::Result TestSablectl::run(const TempHome& home, const QStringList& args)
+TestSablectl::Result TestSablectl::run(const TempHome& home, const QStringList& args, const QByteArray& input)
 {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("SABLE_REGISTRY_DIR"), home.registryFolder());
     env.remove(QStringLiteral("SABLE_HOME"));
     process.setProcessEnvironment(env);
-    process.setStandardInputFile(QProcess::nullDevice());
+    if (input.isEmpty())
+        process.setStandardInputFile(QProcess::nullDevice());
     process.start(QStringLiteral(SABLECTL_PATH), args);
+    if (!input.isEmpty()) {
+        process.write(input);
+        process.closeWriteChannel();
+    }
     Result result;
     if (!process.waitForFinished(60000))
         return result;
@@ -381,6 +389,46 @@ void TestSablectl::passwordsNeverPrinted()
         const QString printed = result.out + result.err;
         QVERIFY2(!printed.contains(QLatin1String("secret")), qPrintable(printed));
     }
+}
+
+void TestSablectl::servicePasswordKept_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("stderrHas"); // empty: nothing on stderr
+    QTest::newRow("from a file") << QStringList {"--password-file", "FILE"} << QByteArray() << 0 << "";
+    QTest::newRow("from standard input") << QStringList {"--password", "-"} << QByteArray("pa;ss word\nnext\n") << 0
+                                         << "";
+    QTest::newRow("on the command line, warned")
+        << QStringList {"--password", "pa;ss word"} << QByteArray() << 0 << "prefer --password-file";
+    QTest::newRow("twice") << QStringList {"--password-file", "FILE", "--password", "-"} << QByteArray("x\n") << 2
+                           << "--password-file FILE";
+    QTest::newRow("a file that is not there") << QStringList {"--password-file", "NONE"} << QByteArray() << 2 << "none";
+}
+
+void TestSablectl::servicePasswordKept()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, input);
+    QFETCH(int, code);
+    QFETCH(QString, stderrHas);
+    TempHome home;
+    home.writeFile(QStringLiteral("password"), "pa;ss word\r\n");
+    options.replaceInStrings(QStringLiteral("FILE"), home.path(QStringLiteral("password")));
+    options.replaceInStrings(QStringLiteral("NONE"), home.path(QStringLiteral("none")));
+    const Result configure = run(home,
+        QStringList {QStringLiteral("--home"), home.path(QStringLiteral("home")), QStringLiteral("services"),
+            QStringLiteral("configure"), QStringLiteral("supervisord"), QStringLiteral("--url"),
+            QStringLiteral("http://127.0.0.1:9/RPC2"), QStringLiteral("--user"), QStringLiteral("sable")}
+            + options,
+        input);
+    QCOMPARE(configure.code, code);
+    QVERIFY2(
+        stderrHas.isEmpty() ? configure.err.isEmpty() : configure.err.contains(stderrHas), qPrintable(configure.err));
+    const sable::ServiceManagerSettings settings = sable::ServiceManagerSettings::read(home.registry());
+    QCOMPARE(settings.supervisorPassword, code == 0 ? QStringLiteral("pa;ss word") : QString());
+    QCOMPARE(settings.supervisorUser, code == 0 ? QStringLiteral("sable") : QString());
 }
 
 QTEST_GUILESS_MAIN(TestSablectl)
