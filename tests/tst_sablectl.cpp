@@ -2,10 +2,14 @@
 
 #include "TestSupport.h"
 #include "db/ConnectionString.h"
+#include "server/ServiceManagerSettings.h"
 
+#include <QDir>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTest>
+
+#include <sys/stat.h>
 
 class TestSablectl : public QObject
 {
@@ -23,6 +27,10 @@ private Q_SLOTS:
     void textFileIsNoDatabase();
     void usersImportSample();
     void usersImportRefusesMalformedFile();
+    void filesForTheOwnerOnly();
+    void passwordsNeverPrinted();
+    void servicePasswordKept_data();
+    void servicePasswordKept();
 
 private:
     struct Result
@@ -31,20 +39,25 @@ private:
         QString out;
         QString err;
     };
-    Result run(const TempHome& home, const QStringList& args);
+    Result run(const TempHome& home, const QStringList& args, const QByteArray& input = {});
     // A server folder with the demo organisation in its embedded database.
     bool makeDemoHome(const TempHome& home, const QString& folder);
 };
 
-TestSablectl::Result TestSablectl::run(const TempHome& home, const QStringList& args)
+TestSablectl::Result TestSablectl::run(const TempHome& home, const QStringList& args, const QByteArray& input)
 {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("SABLE_REGISTRY_DIR"), home.registryFolder());
     env.remove(QStringLiteral("SABLE_HOME"));
     process.setProcessEnvironment(env);
-    process.setStandardInputFile(QProcess::nullDevice());
+    if (input.isEmpty())
+        process.setStandardInputFile(QProcess::nullDevice());
     process.start(QStringLiteral(SABLECTL_PATH), args);
+    if (!input.isEmpty()) {
+        process.write(input);
+        process.closeWriteChannel();
+    }
     Result result;
     if (!process.waitForFinished(60000))
         return result;
@@ -320,6 +333,102 @@ void TestSablectl::usersImportRefusesMalformedFile()
     QVERIFY2(result.err.contains(QStringLiteral("3번째 줄: 따옴표가 닫히지 않았습니다.; nothing was written")),
         qPrintable(result.err));
     QCOMPARE(tableDump(database), before);
+}
+
+void TestSablectl::filesForTheOwnerOnly()
+{
+    // Settings, the database, restore points and exports hold passwords: what sablectl creates is
+    // its owner's only; a file that exists keeps the mode it was given.
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    const auto ctl = [&](QStringList args) {
+        return run(home, QStringList {QStringLiteral("--home"), folder} + args).code;
+    };
+    QCOMPARE(ctl({QStringLiteral("users"), QStringLiteral("import"), QStringLiteral(SAMPLE_USERS),
+                 QStringLiteral("--update"), QStringLiteral("--yes")}),
+        0);
+    home.writeFile(QStringLiteral("shared.csv"), "x");
+    QVERIFY(::chmod(QFile::encodeName(home.path(QStringLiteral("shared.csv"))).constData(), 0644) == 0);
+    for (const QString& file : {QStringLiteral("users.csv"), QStringLiteral("shared.csv")})
+        QCOMPARE(ctl({QStringLiteral("users"), QStringLiteral("export"), home.path(file)}), 0);
+    QCOMPARE(ctl({QStringLiteral("chart"), QStringLiteral("export"), home.path(QStringLiteral("chart.json"))}), 0);
+
+    const QStringList backups = QDir(folder + QStringLiteral("/backups")).entryList(QDir::Files);
+    QVERIFY(!backups.isEmpty());
+    QList<std::pair<QString, int>> expected {{QStringLiteral("home/SableDB.db"), 0600},
+        {QStringLiteral("registry/HKLM.reg"), 0600}, {QStringLiteral("registry"), 0700},
+        {QStringLiteral("home/backups"), 0700}, {QStringLiteral("users.csv"), 0600},
+        {QStringLiteral("chart.json"), 0600}, {QStringLiteral("shared.csv"), 0644}};
+    for (const QString& file : backups)
+        expected.append({QStringLiteral("home/backups/") + file, 0600});
+    for (const auto& [file, mode] : expected) {
+        struct stat info = {};
+        QVERIFY2(::stat(QFile::encodeName(home.path(file)).constData(), &info) == 0, qPrintable(file));
+        QVERIFY2(int(info.st_mode & 07777) == mode,
+            qPrintable(QStringLiteral("%1: %2").arg(file, QString::number(info.st_mode & 07777, 8))));
+    }
+}
+
+void TestSablectl::passwordsNeverPrinted()
+{
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    const auto key = home.registry().createKey(
+        sable::RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("ConnectionString"),
+        QStringLiteral("Provider=PostgreSQL;Host=%1;Database=d;User ID=u;Password='very;secret'")
+            .arg(home.path(QStringLiteral("no-server")))));
+    const Result config = run(home, {QStringLiteral("--home"), folder, QStringLiteral("config")});
+    QCOMPARE(config.code, 0);
+    QVERIFY2(config.out.contains(QLatin1String(";User ID=u;Password=****\n")), qPrintable(config.out));
+    const Result info = run(home, {QStringLiteral("--home"), folder, QStringLiteral("db"), QStringLiteral("info")});
+    QCOMPARE(info.code, 1);
+    for (const Result& result : {config, info}) {
+        const QString printed = result.out + result.err;
+        QVERIFY2(!printed.contains(QLatin1String("secret")), qPrintable(printed));
+    }
+}
+
+void TestSablectl::servicePasswordKept_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("stderrHas"); // empty: nothing on stderr
+    QTest::newRow("from a file") << QStringList {"--password-file", "FILE"} << QByteArray() << 0 << "";
+    QTest::newRow("from standard input") << QStringList {"--password", "-"} << QByteArray("pa;ss word\nnext\n") << 0
+                                         << "";
+    QTest::newRow("on the command line, warned")
+        << QStringList {"--password", "pa;ss word"} << QByteArray() << 0 << "prefer --password-file";
+    QTest::newRow("twice") << QStringList {"--password-file", "FILE", "--password", "-"} << QByteArray("x\n") << 2
+                           << "--password-file FILE";
+    QTest::newRow("a file that is not there") << QStringList {"--password-file", "NONE"} << QByteArray() << 2 << "none";
+}
+
+void TestSablectl::servicePasswordKept()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, input);
+    QFETCH(int, code);
+    QFETCH(QString, stderrHas);
+    TempHome home;
+    home.writeFile(QStringLiteral("password"), "pa;ss word\r\n");
+    options.replaceInStrings(QStringLiteral("FILE"), home.path(QStringLiteral("password")));
+    options.replaceInStrings(QStringLiteral("NONE"), home.path(QStringLiteral("none")));
+    const Result configure = run(home,
+        QStringList {QStringLiteral("--home"), home.path(QStringLiteral("home")), QStringLiteral("services"),
+            QStringLiteral("configure"), QStringLiteral("supervisord"), QStringLiteral("--url"),
+            QStringLiteral("http://127.0.0.1:9/RPC2"), QStringLiteral("--user"), QStringLiteral("sable")}
+            + options,
+        input);
+    QCOMPARE(configure.code, code);
+    QVERIFY2(
+        stderrHas.isEmpty() ? configure.err.isEmpty() : configure.err.contains(stderrHas), qPrintable(configure.err));
+    const sable::ServiceManagerSettings settings = sable::ServiceManagerSettings::read(home.registry());
+    QCOMPARE(settings.supervisorPassword, code == 0 ? QStringLiteral("pa;ss word") : QString());
+    QCOMPARE(settings.supervisorUser, code == 0 ? QStringLiteral("sable") : QString());
 }
 
 QTEST_GUILESS_MAIN(TestSablectl)

@@ -283,8 +283,9 @@ void TestServerServices::sablectlServices()
     QCOMPARE(code, 1);
     QVERIFY2(err.contains(QLatin1String("no service manager is configured")), qPrintable(err));
 
+    home.writeFile(QStringLiteral("supervisor.pw"), m_supervisor.password.toUtf8() + '\n');
     std::tie(code, out, err) = run({"services", "configure", "supervisord", "--url", m_supervisor.url, "--user",
-        m_supervisor.user, "--password", m_supervisor.password});
+        m_supervisor.user, "--password-file", home.path(QStringLiteral("supervisor.pw"))});
     QCOMPARE(code, 0);
     std::tie(code, out, err) = run({"services", "start"});
     QCOMPARE(code, 0);

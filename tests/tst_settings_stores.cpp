@@ -2,13 +2,20 @@
 // files, and the code-page byte counting that both rely on.
 
 #include "TestSupport.h"
+#include "platform/AtomicFile.h"
 #include "platform/CodePage949.h"
 #include "platform/IniFile.h"
 #include "platform/RegFileBackend.h"
 
 #include <QDir>
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QTest>
+#include <QThread>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 using namespace sable;
 
@@ -38,6 +45,13 @@ private Q_SLOTS:
     void registryReadsWindowsExport();
     void registryUnreadableFile();
     void registryTwoWritersAtOnce();
+    void registryValuesTogether();
+    void registryContinuedLines_data();
+    void registryContinuedLines();
+    void registryFileTooLarge();
+    void newFilesAreTheOwners_data();
+    void newFilesAreTheOwners();
+    void writerKilledAtRandomMoments();
 
 private:
     TempHome m_home;
@@ -210,7 +224,7 @@ void TestSettingsStores::iniWrite()
         m_home.writeFile(name, before);
     QVERIFY(IniFile(m_home.path(name)).writeString(section, key, value));
     QCOMPARE(m_home.readFile(name), after);
-    QVERIFY(!QFile::exists(m_home.path(name) + QStringLiteral(".lock")));
+    QVERIFY(!QFile::exists(m_home.path(name) + QStringLiteral(".tmp")));
 }
 
 void TestSettingsStores::iniUnreadableFileIsNeverReplaced()
@@ -378,6 +392,194 @@ void TestSettingsStores::registryTwoWritersAtOnce()
                 qPrintable(QStringLiteral("%1%2").arg(QLatin1String(prefix)).arg(i)));
         }
     }
+}
+
+void TestSettingsStores::registryValuesTogether()
+{
+    TempHome home;
+    const Registry registry = home.registry();
+    const auto key = registry.createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("SupervisorUser"), QStringLiteral("old")));
+    QVERIFY(key->writeValues(RegistryValues()
+                                 .string(QStringLiteral("SupervisorURL"), QStringLiteral("http://127.0.0.1:9001/RPC2"))
+                                 .string(QStringLiteral("SupervisorUser"), QStringLiteral("sable"))
+                                 .string(QStringLiteral("SupervisorPassword"), QStringLiteral("암호\n둘째 줄"))
+                                 .dword(QStringLiteral("MailPort"), 587)));
+    QCOMPARE(key->readString(QStringLiteral("SupervisorURL"), 1024),
+        std::optional<QString>(QStringLiteral("http://127.0.0.1:9001/RPC2")));
+    QCOMPARE(key->readString(QStringLiteral("SupervisorUser"), 1024), std::optional<QString>(QStringLiteral("sable")));
+    QCOMPARE(key->readString(QStringLiteral("SupervisorPassword"), 1024),
+        std::optional<QString>(QStringLiteral("암호\n둘째 줄")));
+    QCOMPARE(key->readDword(QStringLiteral("MailPort")), std::optional<quint32>(587));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")).count("SupervisorUser"), 1);
+
+    // Into a key that is not there: nothing at all.
+    const QByteArray before = home.readFile(QStringLiteral("registry/HKLM.reg"));
+    QVERIFY(!registry.backend().writeValues(
+        RegRoot::LocalMachine, "SOFTWARE\\Halvex\\Missing", {{"A", std::string("1")}, {"B", std::uint32_t {2}}}));
+    QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")), before);
+}
+
+void TestSettingsStores::registryContinuedLines_data()
+{
+    QTest::addColumn<QByteArray>("values");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("expected"); // read as a string; empty: no string
+    QTest::addColumn<QString>("next"); // "Next" read afterwards
+    // "AB" as regedit writes a long hex(1) string: over lines that end in a backslash.
+    const QByteArray hex = "\"Text\"=hex(1):41,00,\\\r\n  42,00,\\\r\n  00,00\r\n";
+    QTest::newRow("hex data goes on") << hex + "\"Next\"=\"n\"\r\n"
+                                      << "Text"
+                                      << "AB"
+                                      << "n";
+    QTest::newRow("a hand-edited string cut after a backslash")
+        << QByteArray("\"Path\"=\"C:\\Sable\\\r\n\"Next\"=\"n\"\r\n") << "Path"
+        << ""
+        << "n";
+    QTest::newRow("a dword ends with its line")
+        << QByteArray("\"Port\"=dword:00000015\\\r\n\"Next\"=\"n\"\r\n") << "Port"
+        << ""
+        << "n";
+    QTest::newRow("default value with hex data")
+        << QByteArray("@=hex(1):41,00,\\\r\n  00,00\r\n\"Next\"=\"n\"\r\n") << ""
+        << "A"
+        << "n";
+}
+
+void TestSettingsStores::registryContinuedLines()
+{
+    QFETCH(QByteArray, values);
+    QFETCH(QString, name);
+    QFETCH(QString, expected);
+    QFETCH(QString, next);
+    TempHome home;
+    home.writeFile(QStringLiteral("registry/HKLM.reg"),
+        "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\SableManager]\r\n"
+            + values);
+    const auto key = home.registry().openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QCOMPARE(key->readString(name, 1024).value_or(QString()), expected);
+    QCOMPARE(key->readString(QStringLiteral("Next"), 1024), std::optional<QString>(next));
+    // Written back, the value after keeps its line.
+    QVERIFY(key->writeString(QStringLiteral("Next"), QStringLiteral("m")));
+    QCOMPARE(key->readString(QStringLiteral("Next"), 1024), std::optional<QString>(QStringLiteral("m")));
+    QCOMPARE(key->readString(name, 1024).value_or(QString()), expected);
+}
+
+void TestSettingsStores::registryFileTooLarge()
+{
+    TempHome home;
+    const QByteArray head = "Windows Registry Editor Version 5.00\r\n\r\n"
+                            "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\Services\\DataBase]\r\n"
+                            "\"ConnectionString\"=\"Provider=SQLite;Data Source=SableDB.db\"\r\n";
+    home.writeFile(QStringLiteral("registry/HKLM.reg"), head);
+    const QString file = home.path(QStringLiteral("registry/HKLM.reg"));
+    // Sparse: the test writes no 64 MiB, and the reader must not read them either.
+    QVERIFY(QFile(file).resize(AtomicFile::kMaxBytes + 1));
+    const Registry registry = home.registry();
+    const QString path = QStringLiteral("SOFTWARE\\Halvex\\Services\\DataBase");
+    QVERIFY(!registry.openKey(RegRoot::LocalMachine, path));
+    QCOMPARE(registry.presence(RegRoot::LocalMachine, path, QStringLiteral("ConnectionString")),
+        ValuePresence::FileTooLarge);
+    QVERIFY(!registry.createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex")));
+    const ConnectionSetting settled = home.config().settleConnection();
+    QVERIFY(settled.text.isEmpty() && !settled.bWroteDefault);
+    QVERIFY2(settled.problem.contains(QLatin1String("64MiB")), qPrintable(settled.problem));
+    QCOMPARE(QFileInfo(file).size(), AtomicFile::kMaxBytes + 1);
+    QFile in(file);
+    QVERIFY(in.open(QIODevice::ReadOnly));
+    QCOMPARE(in.read(head.size()), head);
+    // One byte less is a registry again.
+    QVERIFY(QFile(file).resize(AtomicFile::kMaxBytes));
+    QVERIFY(registry.openKey(RegRoot::LocalMachine, path));
+}
+
+void TestSettingsStores::newFilesAreTheOwners_data()
+{
+    QTest::addColumn<QString>("file"); // below the temporary folder
+    QTest::addColumn<int>("modeBefore"); // 0: no file
+    QTest::addColumn<int>("modeAfter");
+    QTest::newRow("new registry in a new folder") << "registry/HKLM.reg" << 0 << 0600;
+    QTest::newRow("new settings file") << "home/Serverinfo.ini" << 0 << 0600;
+    QTest::newRow("shared with a group") << "home/Serverinfo.ini" << 0660 << 0660;
+    QTest::newRow("readable by all") << "registry/HKLM.reg" << 0644 << 0644;
+}
+
+void TestSettingsStores::newFilesAreTheOwners()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("file modes are POSIX's");
+#else
+    QFETCH(QString, file);
+    QFETCH(int, modeBefore);
+    QFETCH(int, modeAfter);
+    TempHome home;
+    const QString path = home.path(file);
+    if (modeBefore != 0) {
+        home.writeFile(file, "Windows Registry Editor Version 5.00\r\n\r\n");
+        QVERIFY(::chmod(QFile::encodeName(path).constData(), static_cast<mode_t>(modeBefore)) == 0);
+    }
+    if (file.endsWith(QLatin1String(".ini")))
+        QVERIFY(IniFile(path).writeString(QStringLiteral("DBInfo"), QStringLiteral("PWD"), QStringLiteral("secret")));
+    else
+        QVERIFY(home.registry().createKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex")));
+    const auto modeOf = [](const QString& name) {
+        struct stat info = {};
+        return ::stat(QFile::encodeName(name).constData(), &info) == 0 ? int(info.st_mode & 07777) : -1;
+    };
+    QCOMPARE(modeOf(path), modeAfter);
+    // The lock file: no more open than the file it guards (less where the umask says so).
+    QCOMPARE(modeOf(path + QStringLiteral(".lock")) & ~modeAfter, 0);
+    QVERIFY((modeOf(path + QStringLiteral(".lock")) & 0600) == 0600);
+    if (modeBefore == 0 && file.startsWith(QLatin1String("registry")))
+        QCOMPARE(modeOf(QFileInfo(path).absolutePath()), 0700);
+#endif
+}
+
+void TestSettingsStores::writerKilledAtRandomMoments()
+{
+    // The writer replaces the file again and again with one batch of values that name their
+    // generation; killed at any moment, it leaves the file whole and one generation throughout,
+    // and its lock dies with it.
+    TempHome home;
+    const QString file = home.path(QStringLiteral("HKLM.reg"));
+    RegFileBackend backend(file, file + QStringLiteral(".hkcu"));
+    const std::string key = "SOFTWARE\\Halvex\\Race";
+    int generationsSeen = 0;
+    for (int round = 0; round < 40; ++round) {
+        QProcess writer;
+        writer.start(QStringLiteral(REGWRITER_PATH), {file, QStringLiteral("--generations")});
+        QVERIFY(writer.waitForStarted());
+        // Most rounds wait for the first write, so that the kill lands among the writes; others
+        // kill it while it starts, takes the lock or writes its first generation.
+        if (round % 4 != 0)
+            QVERIFY2(writer.waitForReadyRead(20000), "no writer got the lock");
+        QThread::usleep(QRandomGenerator::global()->bounded(30000));
+        writer.kill();
+        QVERIFY(writer.waitForFinished(10000));
+        const auto generation = backend.readDword(RegRoot::LocalMachine, key, "Generation");
+        if (!generation) {
+            QVERIFY(!backend.readString(RegRoot::LocalMachine, key, "URL", 1024));
+            continue;
+        }
+        ++generationsSeen;
+        const std::string tag = std::to_string(*generation);
+        QCOMPARE(backend.readString(RegRoot::LocalMachine, key, "URL", 1024),
+            std::optional<std::string>("http://host-" + tag + "/RPC2"));
+        QCOMPARE(
+            backend.readString(RegRoot::LocalMachine, key, "User", 1024), std::optional<std::string>("user-" + tag));
+        QCOMPARE(backend.readString(RegRoot::LocalMachine, key, "Password", 1024),
+            std::optional<std::string>("secret-" + tag));
+        QCOMPARE(backend.valuePresence(RegRoot::LocalMachine, key, "Padding"), ValuePresence::Present);
+        QCOMPARE(
+            backend.readString(RegRoot::LocalMachine, key, "Padding", 1 << 20).value_or("").size(), size_t(64 * 1024));
+    }
+    QVERIFY(generationsSeen > 0);
+    // The next writer is not kept waiting by any of the killed ones, and clears what they left.
+    QVERIFY(backend.writeValues(RegRoot::LocalMachine, key, {{"Generation", std::uint32_t {0}}}));
+    QCOMPARE(backend.readDword(RegRoot::LocalMachine, key, "Generation"), std::optional<std::uint32_t>(0));
+    QVERIFY(!QFile::exists(file + QStringLiteral(".tmp")));
 }
 
 QTEST_GUILESS_MAIN(TestSettingsStores)

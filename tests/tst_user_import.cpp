@@ -349,15 +349,26 @@ void TestUserImport::malformedFile_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("error");
+    QTest::addColumn<bool>("toldUtf8"); // else the encoding is detected
     const QByteArray header = "아이디,이름,비밀번호\n";
     QTest::newRow("unbalanced quote") << header + "a,가,pw\nb,\"나,pw\nc,다,pw\n"
-                                      << "3번째 줄: 따옴표가 닫히지 않았습니다.";
+                                      << "3번째 줄: 따옴표가 닫히지 않았습니다." << false;
     QTest::newRow("text after the closing quote, after a quoted line break")
         << header + "a,\"가\n나\",pw\nb,\"다\"x,pw\n"
-        << "4번째 줄: 닫는 따옴표 뒤에 구분 문자가 아닌 글자가 있습니다.";
-    QTest::newRow("header only") << header << "가져올 사용자가 없습니다.";
-    QTest::newRow("invalid UTF-8 on line 3")
-        << header + "a,가,pw\n" + QByteArray("b,\xEF\xBB\xBF\xFF,pw\n") << "3번째 줄을 UTF-8(으)로 읽을 수 없습니다.";
+        << "4번째 줄: 닫는 따옴표 뒤에 구분 문자가 아닌 글자가 있습니다." << false;
+    QTest::newRow("header only") << header << "가져올 사용자가 없습니다." << false;
+    QTest::newRow("invalid UTF-8 on line 3") << header + "a,가,pw\n" + QByteArray("b,\xEF\xBB\xBF\xFF,pw\n")
+                                             << "3번째 줄을 UTF-8(으)로 읽을 수 없습니다." << true;
+    // Not told the encoding: a damaged file is named by its own encoding, at the damaged line.
+    const QByteArray body = "kim,김철수,1\nlee,이영희,2\n";
+    QTest::newRow("UTF-8 with one bad byte, detected") << header + body + QByteArray("park,박\xC0수,3\n") + body
+                                                       << "4번째 줄을 UTF-8(으)로 읽을 수 없습니다." << false;
+    QTest::newRow("UTF-8 with little Hangul and one bad byte, detected")
+        << QByteArray("id,name,pw\na,가,pw\nb,x\xFFy,pw\nc,z,pw\n") << "3번째 줄을 UTF-8(으)로 읽을 수 없습니다."
+        << false;
+    QTest::newRow("the code page with one bad byte, detected")
+        << CodePage949::encode(QString::fromUtf8(header + body)) + QByteArray("park,\xFF,3\n")
+        << "4번째 줄을 CP949(으)로 읽을 수 없습니다." << false;
 }
 
 void TestUserImport::malformedFile()
@@ -365,8 +376,8 @@ void TestUserImport::malformedFile()
     QFETCH(QByteArray, bytes);
     QFETCH(QString, error);
     QString problem;
-    const std::optional<FileEncoding> utf8
-        = error.contains(QLatin1String("UTF-8")) ? std::optional<FileEncoding>(FileEncoding::Utf8) : std::nullopt;
+    QFETCH(bool, toldUtf8);
+    const std::optional<FileEncoding> utf8 = toldUtf8 ? std::optional<FileEncoding>(FileEncoding::Utf8) : std::nullopt;
     QVERIFY(!ImportTableReader::read(bytes, {utf8, std::nullopt, true}, &problem));
     QCOMPARE(problem, error);
 }

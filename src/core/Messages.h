@@ -663,6 +663,9 @@ inline const QString kConnectionStringTooLong = QStringLiteral(
 inline const QString kConnectionStringDamaged = QStringLiteral(
     "ConnectionString 값이 들어 있는 설정이 손상되어 있습니다. 설정을 고치거나 데이터베이스 설정에서 다시 "
     "지정하세요.");
+inline const QString kRegistryFileTooLarge = QStringLiteral(
+    "레지스트리 설정 파일이 %1MiB보다 커서 읽지 않았습니다. 설정 파일이 아닌 파일이 그 자리에 있지 않은지 "
+    "확인하세요.");
 inline const QString kConnectionStringNotText
     = QStringLiteral("ConnectionString 값이 문자열이 아닙니다. 데이터베이스 설정에서 다시 지정하세요.");
 inline const QString kDataSourceMissing = QStringLiteral("연결 문자열에 데이터베이스 파일(Data Source)이 없습니다.");

@@ -103,6 +103,24 @@ void registryValueTypes(WinRegistryBackend& reg)
         "largest dword");
 }
 
+void registryValuesTogether(WinRegistryBackend& reg)
+{
+    const auto root = RegRoot::LocalMachine;
+    const std::string path = "SOFTWARE\\HalvexTest\\Supervisor";
+    check(reg.createKey(root, path), "create key for several values");
+    check(reg.writeValues(root, path,
+              {{"SupervisorURL", std::string("http://127.0.0.1:9001/RPC2")}, {"Port", std::uint32_t {9001}},
+                  {"SupervisorPassword", std::string("\xec\x95\x94\xed\x98\xb8")}}), // 암호
+        "several values written");
+    check(reg.readString(root, path, "SupervisorURL", 1024) == std::optional<std::string>("http://127.0.0.1:9001/RPC2")
+            && reg.readDword(root, path, "Port") == std::optional<std::uint32_t>(9001)
+            && reg.readString(root, path, "SupervisorPassword", 1024)
+                == std::optional<std::string>("\xec\x95\x94\xed\x98\xb8"),
+        "several values read back");
+    check(!reg.writeValues(root, "SOFTWARE\\HalvexTest\\Missing", {{"A", std::uint32_t {1}}}),
+        "no values written into a missing key");
+}
+
 // Wine's service manager starts its own services while the prefix boots: give it a moment.
 bool becomesRunning(const ServiceController& services, const std::string& name)
 {
@@ -158,6 +176,7 @@ int main(int argc, char** argv)
     registryPathsIgnoreCase(registry);
     registryStringBuffer(registry);
     registryValueTypes(registry);
+    registryValuesTogether(registry);
     services(argv[1]);
     std::printf("%d passed, %d failed\n", g_passed, g_failed);
     return g_failed == 0 ? 0 : 1;

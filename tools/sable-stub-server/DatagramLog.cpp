@@ -11,7 +11,7 @@ DatagramLog::DatagramLog(const QString& logPath, QObject* parent)
     if (logPath.isEmpty())
         m_log.open(stdout, QIODevice::WriteOnly);
     else
-        m_log.open(QIODevice::WriteOnly | QIODevice::Append);
+        m_log.open(QIODevice::WriteOnly | QIODevice::Append, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
 
 bool DatagramLog::listen(quint16 port)

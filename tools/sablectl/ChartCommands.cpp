@@ -2,8 +2,10 @@
 #include "db/DbConnection.h"
 #include "document/CSableManagerDoc.h"
 #include "document/ChartJson.h"
+#include "platform/PrivateFiles.h"
 
 #include <QFile>
+#include <QSaveFile>
 #include <QSet>
 
 namespace sable::ctl {
@@ -19,8 +21,9 @@ int exportChart(Context& context, QStringList args)
     const QByteArray json = ChartJson::write(doc.tables());
     if (args.isEmpty())
         return printBytes(context, json);
-    QFile file(args.first());
-    if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size())
+    // The chart holds every user's password.
+    QSaveFile file(args.first());
+    if (!PrivateFiles::open(file) || file.write(json) != json.size() || !file.commit())
         return context.fail(QStringLiteral("cannot write %1: %2").arg(args.first(), file.errorString()));
     return kSuccess;
 }

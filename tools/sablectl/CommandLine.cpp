@@ -11,6 +11,8 @@
 #include "server/ServerServiceControl.h"
 #include "server/ServiceManagerSettings.h"
 
+#include <QFile>
+
 #include <cstdio>
 
 namespace sable::ctl {
@@ -47,6 +49,58 @@ std::optional<QString> takeOption(QStringList& args, const QString& name, bool* 
         }
     }
     return std::nullopt;
+}
+
+namespace {
+
+std::optional<QByteArray> readPasswordFile(Context& context, const QString& path)
+{
+    QFile in(path);
+    if (!in.open(QIODevice::ReadOnly)) {
+        context.fail(QStringLiteral("%1: %2").arg(path, in.errorString()));
+        return std::nullopt;
+    }
+    return in.read(64 * 1024);
+}
+
+QByteArray readPasswordLine()
+{
+    char line[1024];
+    return fgets(line, sizeof line, stdin) ? QByteArray(line) : QByteArray();
+}
+
+} // namespace
+
+std::optional<QString> takePassword(Context& context, QStringList& args, PasswordOnCommandLine literal, bool* failed)
+{
+    bool missingFile = false;
+    bool missingText = false;
+    const std::optional<QString> file = takeOption(args, QStringLiteral("--password-file"), &missingFile);
+    const std::optional<QString> text = takeOption(args, QStringLiteral("--password"), &missingText);
+    const bool fromInput = text && *text == QLatin1String("-");
+    const bool refused = text && !fromInput && literal == PasswordOnCommandLine::Refused;
+    *failed = missingFile || missingText || (file && text) || refused;
+    if (*failed) {
+        context.err << "sablectl: the password is read from a file (--password-file FILE) or from standard input "
+                       "(--password -)"
+                    << (literal == PasswordOnCommandLine::Refused ? ", never from the command line" : ", once") << '\n';
+        return std::nullopt;
+    }
+    if (!file && !text)
+        return std::nullopt;
+    if (text && !fromInput) {
+        context.err << "sablectl: a password on the command line can be read by every user of this machine; "
+                       "prefer --password-file FILE or --password - (standard input)\n";
+        return *text;
+    }
+    const std::optional<QByteArray> read = file ? readPasswordFile(context, *file) : readPasswordLine();
+    *failed = !read;
+    if (!read)
+        return std::nullopt;
+    QByteArray bytes = *read;
+    while (bytes.endsWith('\n') || bytes.endsWith('\r'))
+        bytes.chop(1);
+    return QString::fromUtf8(bytes);
 }
 
 } // namespace sable::ctl

@@ -49,6 +49,18 @@ bool takeFlag(QStringList& args, const QString& name);
 // when the value is missing.
 std::optional<QString> takeOption(QStringList& args, const QString& name, bool* missingValue);
 
+enum class PasswordOnCommandLine
+{
+    Refused,
+    // Taken, with a warning: scripts written before the other ways existed go on working.
+    Warned,
+};
+
+// A password from "--password-file FILE" or "--password -" (standard input, its first line), or,
+// when allowed, "--password TEXT". nullopt without any of them, or when `*failed` is set (the reason
+// printed on stderr): a password given twice, a file that cannot be read.
+std::optional<QString> takePassword(Context& context, QStringList& args, PasswordOnCommandLine literal, bool* failed);
+
 std::vector<Command> configCommands();
 std::vector<Command> dbCommands();
 std::vector<Command> notifyCommands();

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Messages.h"
+#include "db/ConnectionString.h"
 #include "db/DbConnection.h"
 #include "server/StartupSteps.h"
 
@@ -22,7 +23,7 @@ int showConfig(Context& context, const QStringList& args)
     out << "home: " << paths.programFolder << '\n'
         << "settings: " << paths.settingsFilePath << '\n'
         << "database-path: " << paths.defaultDatabasePath << '\n'
-        << "connection-string: " << settings.connectionString << '\n'
+        << "connection-string: " << maskPasswords(settings.connectionString) << '\n'
         << "database-type: " << settings.databaseType << '\n'
         << "server-type: " << settings.serverType << '\n'
         << "balloon-help: " << (settings.bBalloonHelp ? 1 : 0) << '\n'

@@ -59,43 +59,6 @@ void printSettings(Context& context, const DirectorySettings& s)
         << "%\npassword-length: " << s.passwordLength << "\npassword-alphabet: " << s.passwordAlphabet << Qt::endl;
 }
 
-// The bind password from a file or from standard input, never from the command line (where every
-// user of the machine could read it).
-std::optional<QString> readPassword(Context& context, QStringList& args, bool* failed)
-{
-    bool missing = false;
-    *failed = true;
-    const std::optional<QString> file = takeOption(args, QStringLiteral("--password-file"), &missing);
-    if (missing)
-        return std::nullopt;
-    const std::optional<QString> fromInput = takeOption(args, QStringLiteral("--password"), &missing);
-    if (missing || (fromInput && *fromInput != QLatin1String("-")) || (file && fromInput)) {
-        context.err << "sablectl: the password is read from a file (--password-file FILE) or from standard input "
-                       "(--password -), never from the command line\n";
-        return std::nullopt;
-    }
-    *failed = false;
-    QByteArray bytes;
-    if (file) {
-        QFile in(*file);
-        if (!in.open(QIODevice::ReadOnly)) {
-            *failed = true;
-            context.fail(QStringLiteral("%1: %2").arg(*file, in.errorString()));
-            return std::nullopt;
-        }
-        bytes = in.readAll();
-    } else if (fromInput) {
-        char line[1024];
-        if (fgets(line, sizeof line, stdin))
-            bytes = line;
-    } else {
-        return std::nullopt;
-    }
-    while (bytes.endsWith('\n') || bytes.endsWith('\r'))
-        bytes.chop(1);
-    return QString::fromUtf8(bytes);
-}
-
 // Applies the options of `directory configure`; false (with the usage shown) for a value it cannot take.
 bool applyOptions(QStringList& args, DirectorySettings& s)
 {
@@ -145,7 +108,7 @@ int configure(Context& context, QStringList args)
     DirectorySettings settings = DirectorySettings::read(context.config.registry());
     const QString bindDnBefore = settings.bindDn;
     bool failed = false;
-    const std::optional<QString> password = readPassword(context, args, &failed);
+    const std::optional<QString> password = takePassword(context, args, PasswordOnCommandLine::Refused, &failed);
     if (failed)
         return kUsage;
     if (!applyOptions(args, settings))

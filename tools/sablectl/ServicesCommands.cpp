@@ -101,15 +101,18 @@ int configure(Context& context, QStringList args)
     bool missing = false;
     bool anyMissing = false;
     ServiceManagerSettings settings = ServiceManagerSettings::read(context.config.registry());
-    for (auto [option, field] : {std::pair {"--url", &settings.supervisorUrl}, {"--user", &settings.supervisorUser},
-             {"--password", &settings.supervisorPassword}}) {
+    for (auto [option, field] : {std::pair {"--url", &settings.supervisorUrl}, {"--user", &settings.supervisorUser}}) {
         if (const auto value = takeOption(args, QLatin1String(option), &missing))
             *field = *value;
         anyMissing = anyMissing || missing;
     }
+    bool failed = false;
+    const std::optional<QString> password = takePassword(context, args, PasswordOnCommandLine::Warned, &failed);
     const auto kind = args.size() == 1 ? ServiceManagerSettings::kindNamed(args.first()) : std::nullopt;
-    if (anyMissing || !kind)
+    if (anyMissing || failed || !kind)
         return kUsage;
+    if (password)
+        settings.supervisorPassword = *password;
     settings.kind = *kind;
     if (!settings.write(context.config.registry()))
         return context.fail(QStringLiteral("cannot write the registry"));
@@ -134,7 +137,8 @@ std::vector<Command> servicesCommands()
         {{QStringLiteral("services"), QStringLiteral("stop")}, QStringLiteral("services stop"),
             QStringLiteral("stop the server, leaving Sable_CheckD running"), stopServer},
         {{QStringLiteral("services"), QStringLiteral("configure")},
-            QStringLiteral("services configure scm|supervisord|none [--url URL] [--user U] [--password P]"),
+            QStringLiteral("services configure scm|supervisord|none [--url URL] [--user U] [--password-file FILE | "
+                           "--password -]"),
             QStringLiteral("choose the service manager"), configure},
     };
 }

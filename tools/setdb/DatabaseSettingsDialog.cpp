@@ -5,6 +5,7 @@
 #include "db/ConnectionString.h"
 #include "db/DbConnection.h"
 #include "db/DbSchema.h"
+#include "platform/PrivateFiles.h"
 #include "server/ServerDatabase.h"
 
 #include <QButtonGroup>
@@ -40,7 +41,9 @@ bool openChoice(DbConnection& connection, const DatabaseChoice& choice, bool cre
 {
     QString text = choice.connectionString();
     if (create && choice.kind == Kind::EmbeddedFile && choice.typeName() == QLatin1String("SQLITE")) {
-        QDir().mkpath(QFileInfo(QDir(home), choice.filePath).absolutePath());
+        const QString file = QFileInfo(QDir(home), choice.filePath).absoluteFilePath();
+        PrivateFiles::makePath(QFileInfo(file).absolutePath());
+        PrivateFiles::createEmpty(file);
         text += QStringLiteral(";FailIfMissing=False");
     }
     return connection.open(text, home);

@@ -66,14 +66,16 @@ LogoSettings::IconCheck LogoSettings::checkIconFile(const QString& path)
 
 NoticeOutcome LogoSettings::confirm(const LogoChoice& choice) const
 {
-    // The order is the one the server's own tools have always written in.
+    // The order is the one the server's own tools have always written in, in one step: a client
+    // that reloads meanwhile never sees the new version with the old icon.
+    QList<std::pair<QString, QString>> values;
     if (!choice.bDefaultIcon)
-        m_ini.writeString(Keys::kSettingInfo, Keys::kUserDefineIconPath, choice.iconPath);
+        values.append({Keys::kUserDefineIconPath, choice.iconPath});
     const qint64 version = qMax(0, m_ini.readInt(Keys::kSettingInfo, Keys::kLogoVersionRead, 0));
-    m_ini.writeString(Keys::kSettingInfo, Keys::kVersion, QString::number(version + 1));
-    m_ini.writeString(
-        Keys::kSettingInfo, Keys::kDefaultIcon, choice.bDefaultIcon ? QStringLiteral("1") : QStringLiteral("0"));
-    m_ini.writeString(Keys::kSettingInfo, Keys::kCaptionBarName, choice.caption);
+    values.append({Keys::kVersion, QString::number(version + 1)});
+    values.append({Keys::kDefaultIcon, choice.bDefaultIcon ? QStringLiteral("1") : QStringLiteral("0")});
+    values.append({Keys::kCaptionBarName, choice.caption});
+    m_ini.writeStrings(Keys::kSettingInfo, values);
     const bool bSent = ChangeNotice::send(ChangeNotice::Kind::ReloadClientSettings, m_noticePort);
     return bSent ? NoticeOutcome::Sent : NoticeOutcome::SendFailed;
 }

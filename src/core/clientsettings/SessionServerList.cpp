@@ -46,9 +46,9 @@ void SessionServerList::seedIfEmpty(const RegistryKey& key) const
 {
     if (key.readDword(Keys::kSessionDCount).value_or(0) != 0)
         return;
-    WriteEntry(0, {m_localAddress(), kPort, true});
-    key.writeDword(Keys::kSessionDCount, 1);
-    key.writeDword(Keys::kSessionDChanged, 1);
+    RegistryValues values;
+    addEntry(values, 0, {m_localAddress(), kPort, true});
+    key.writeValues(values.dword(Keys::kSessionDCount, 1).dword(Keys::kSessionDChanged, 1));
 }
 
 bool SessionServerList::save(const QList<SessionServerEntry>& rows) const
@@ -56,11 +56,12 @@ bool SessionServerList::save(const QList<SessionServerEntry>& rows) const
     const std::optional<RegistryKey> key = m_registry.openKey(RegRoot::LocalMachine, Keys::kSessionDInfo);
     if (!key)
         return false;
+    // One step: the servers never read a count that the entries do not have yet.
+    RegistryValues values;
     for (int i = 0; i < rows.size(); ++i)
-        WriteEntry(i, {rows[i].address, kPort, rows[i].bEnabled});
-    key->writeDword(Keys::kSessionDCount, static_cast<quint32>(rows.size()));
-    key->writeDword(Keys::kSessionDChanged, 1);
-    return true;
+        addEntry(values, i, {rows[i].address, kPort, rows[i].bEnabled});
+    return key->writeValues(
+        values.dword(Keys::kSessionDCount, static_cast<quint32>(rows.size())).dword(Keys::kSessionDChanged, 1));
 }
 
 bool SessionServerList::ReadEntry(int index, SessionServerEntry& entry) const
@@ -88,9 +89,16 @@ void SessionServerList::WriteEntry(int index, const SessionServerEntry& entry) c
     const std::optional<RegistryKey> key = m_registry.openKey(RegRoot::LocalMachine, Keys::kSessionDInfo);
     if (!key)
         return;
-    key->writeString(valueName(Keys::kSessionDAddress, index), entry.address);
-    key->writeDword(valueName(Keys::kSessionDPort, index), entry.port);
-    key->writeDword(valueName(Keys::kSessionDEnable, index), entry.bEnabled ? 1 : 0);
+    RegistryValues values;
+    addEntry(values, index, entry);
+    key->writeValues(values);
+}
+
+void SessionServerList::addEntry(RegistryValues& values, int index, const SessionServerEntry& entry)
+{
+    values.string(valueName(Keys::kSessionDAddress, index), entry.address)
+        .dword(valueName(Keys::kSessionDPort, index), entry.port)
+        .dword(valueName(Keys::kSessionDEnable, index), entry.bEnabled ? 1 : 0);
 }
 
 QString SessionServerList::normalisedAddress(const QString& text)

@@ -54,6 +54,7 @@ public:
 
 private:
     void seedIfEmpty(const RegistryKey& key) const;
+    static void addEntry(RegistryValues& values, int index, const SessionServerEntry& entry);
 
     Registry m_registry;
     AddressSource m_localAddress;

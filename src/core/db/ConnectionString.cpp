@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QUrl>
 
 namespace sable {
@@ -36,6 +37,32 @@ QString readValue(const QString& text, qsizetype& i)
     const QString value = text.mid(i, end < 0 ? -1 : end - i).trimmed();
     i = end < 0 ? text.size() : end;
     return value;
+}
+
+// Where the value that starts at `i` ends: after its closing quote or brace, else at the last
+// non-blank before the next ';' or line end (an error message may quote a string without its ';').
+qsizetype valueEnd(const QString& text, qsizetype i)
+{
+    const QChar open = i < text.size() ? text[i] : QChar();
+    if (open == u'{' || open == u'"' || open == u'\'') {
+        const QChar close = open == u'{' ? u'}' : open;
+        for (++i; i < text.size(); ++i) {
+            if (text[i] != close)
+                continue;
+            if (i + 1 < text.size() && text[i + 1] == close)
+                ++i;
+            else
+                return i + 1;
+        }
+        return i;
+    }
+    qsizetype end = i;
+    while (end < text.size() && text[end] != u';' && text[end] != u'\r' && text[end] != u'\n')
+        ++end;
+    // Blanks before the ';' stay, so that masking a masked text changes nothing.
+    while (end > i && text[end - 1].isSpace())
+        --end;
+    return end;
 }
 
 QString odbcValue(const QString& value)
@@ -150,8 +177,8 @@ DbTarget resolveConnectionString(const QString& text, const QString& sqlServerOd
     if (provider == QLatin1String("postgresql"))
         return postgres(cs);
     DbTarget unknown;
-    unknown.problem
-        = text.trimmed().isEmpty() ? Msg::kConnectionStringEmpty : Msg::kConnectionStringUnsupported.arg(text);
+    unknown.problem = text.trimmed().isEmpty() ? Msg::kConnectionStringEmpty
+                                               : Msg::kConnectionStringUnsupported.arg(maskPasswords(text));
     return unknown;
 }
 
@@ -166,6 +193,23 @@ QString ConnectionString::quote(const QString& value)
     if (!value.contains(u'\''))
         return u'\'' + value + u'\'';
     return u'"' + QString(value).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+QString maskPasswords(const QString& text)
+{
+    static const QRegularExpression key(
+        QStringLiteral("(?<![\\w])(password|pwd)\\s*=\\s*"), QRegularExpression::CaseInsensitiveOption);
+    QString masked;
+    qsizetype done = 0;
+    for (QRegularExpressionMatchIterator it = key.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        if (match.capturedStart() < done)
+            continue; // inside the value masked before
+        const qsizetype end = valueEnd(text, match.capturedEnd());
+        masked += QStringView(text).sliced(done, match.capturedEnd() - done) + QStringLiteral("****");
+        done = end;
+    }
+    return masked + QStringView(text).sliced(done);
 }
 
 QString sqliteConnectionString(const QString& path)

@@ -47,6 +47,11 @@ struct DbTarget
 DbTarget resolveConnectionString(
     const QString& text, const QString& sqlServerOdbcDriver, const QString& baseFolder = QString());
 
+// `text` with the value of every password of a connection string in it ("Password=", "PWD=", in any
+// letter case, also inside an error message) shown as "****", so that what is printed or shown
+// never gives a password away.
+QString maskPasswords(const QString& text);
+
 // "Provider=SQLite;Data Source=..." for the embedded database file.
 QString sqliteConnectionString(const QString& path);
 

@@ -41,15 +41,18 @@ QString nextConnectionName()
 void setLastError(const QString& text, const QString& message)
 {
     QMutexLocker lock(&g_stateMutex);
-    g_lastError = text;
-    g_lastMessage = message;
+    g_lastError = maskPasswords(text);
+    g_lastMessage = maskPasswords(message);
 }
 
-// The native code as the hexadecimal number the console always showed; codes that are not numbers
-// (PostgreSQL's SQLSTATE, several ODBC codes) stand as they are.
-QString nativeCode(const QSqlError& error)
+// The native code as the hexadecimal number the console always showed. PostgreSQL gives its
+// SQLSTATE, five characters that often are all digits (42601, a syntax error): it stands as it is,
+// as do codes that are not numbers at all (several ODBC codes).
+QString nativeCode(const QSqlError& error, const QString& source)
 {
     const QString code = error.nativeErrorCode().trimmed();
+    if (source == QLatin1String("QPSQL") || error.driverText().startsWith(QLatin1String("QPSQL:")))
+        return code.isEmpty() ? QStringLiteral("0") : code;
     bool ok = false;
     const qlonglong number = code.toLongLong(&ok);
     if (ok)
@@ -66,8 +69,8 @@ QSqlError notConnectedError()
 
 QString formatDbError(const QSqlError& error, const QString& source)
 {
-    return QStringLiteral("(%1) %2\r\nSource - %3\r\nDesc - %4")
-        .arg(nativeCode(error), error.driverText(), source, error.databaseText());
+    return maskPasswords(QStringLiteral("(%1) %2\r\nSource - %3\r\nDesc - %4")
+                             .arg(nativeCode(error, source), error.driverText(), source, error.databaseText()));
 }
 
 // --- DbRecordset -----------------------------------------------------------------------------------
@@ -446,8 +449,8 @@ QSqlDatabase DbConnection::database() const
 void DbConnection::recordError(const QSqlError& error) const
 {
     const QString source = m_name.isEmpty() ? QStringLiteral("SableManager") : driverName();
-    qCDebug(lcDb).noquote()
-        << QStringLiteral("[ADOConnection Error] number: %1\r\n\t%2\r\n").arg(nativeCode(error), error.databaseText());
+    qCDebug(lcDb).noquote() << QStringLiteral("[ADOConnection Error] number: %1\r\n\t%2\r\n")
+                                   .arg(nativeCode(error, source), maskPasswords(error.databaseText()));
     setLastError(formatDbError(error, source), error.driverText());
 }
 

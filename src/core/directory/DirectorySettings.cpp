@@ -195,26 +195,32 @@ bool DirectorySettings::write(const Registry& registry) const
     const auto key = registry.createKey(RegRoot::LocalMachine, Keys::kDirectorySync);
     if (!key)
         return false;
-    bool ok = key->writeString(Keys::kDirUrl, url.trimmed()) && key->writeDword(Keys::kDirStartTls, bStartTls ? 1 : 0)
-        && key->writeString(Keys::kDirCaFile, caFile) && key->writeString(Keys::kDirBindDn, bindDn.trimmed())
-        && key->writeString(Keys::kDirBindPassword, password) && key->writeString(Keys::kDirBaseDn, baseDn.trimmed())
-        && key->writeString(Keys::kDirUserFilter, userFilter.trimmed())
-        && key->writeDword(Keys::kDirPageSize, static_cast<quint32>(pageSize))
-        && key->writeDword(Keys::kDirTimeout, static_cast<quint32>(timeoutSeconds));
-    for (int column = 0; ok && column < MemberColumnCount; ++column) {
+    // One step: a sync never runs with the server of one configuration and the account of another.
+    RegistryValues values;
+    values.string(Keys::kDirUrl, url.trimmed())
+        .dword(Keys::kDirStartTls, bStartTls ? 1 : 0)
+        .string(Keys::kDirCaFile, caFile)
+        .string(Keys::kDirBindDn, bindDn.trimmed())
+        .string(Keys::kDirBindPassword, password)
+        .string(Keys::kDirBaseDn, baseDn.trimmed())
+        .string(Keys::kDirUserFilter, userFilter.trimmed())
+        .dword(Keys::kDirPageSize, static_cast<quint32>(pageSize))
+        .dword(Keys::kDirTimeout, static_cast<quint32>(timeoutSeconds));
+    for (int column = 0; column < MemberColumnCount; ++column) {
         if (DirectoryMapping::isMappable(column))
-            ok = key->writeString(Keys::kDirFieldAttribute.arg(fieldKey(column)),
+            values.string(Keys::kDirFieldAttribute.arg(fieldKey(column)),
                 mapping.attributes[static_cast<size_t>(column)].trimmed());
     }
-    return ok && key->writeString(Keys::kDirUniqueIdAttribute, mapping.uniqueIdAttribute.trimmed())
-        && key->writeString(Keys::kDirDepartmentSource, QLatin1String(sourceName(mapping.departments)))
-        && key->writeString(Keys::kDirDepartmentAttribute, mapping.departmentAttribute.trimmed())
-        && key->writeString(Keys::kDirRankAttribute, mapping.rankAttribute.trimmed())
-        && key->writeString(Keys::kDirLeaverRule, QLatin1String(ruleName(mapping.leavers)))
-        && key->writeString(Keys::kDirLeaverFilter, mapping.leaverFilter.trimmed())
-        && key->writeDword(Keys::kDirLeaverThreshold, static_cast<quint32>(leaverThresholdPercent))
-        && key->writeDword(Keys::kDirPasswordLength, static_cast<quint32>(passwordLength))
-        && key->writeString(Keys::kDirPasswordAlphabet, passwordAlphabet);
+    values.string(Keys::kDirUniqueIdAttribute, mapping.uniqueIdAttribute.trimmed())
+        .string(Keys::kDirDepartmentSource, QLatin1String(sourceName(mapping.departments)))
+        .string(Keys::kDirDepartmentAttribute, mapping.departmentAttribute.trimmed())
+        .string(Keys::kDirRankAttribute, mapping.rankAttribute.trimmed())
+        .string(Keys::kDirLeaverRule, QLatin1String(ruleName(mapping.leavers)))
+        .string(Keys::kDirLeaverFilter, mapping.leaverFilter.trimmed())
+        .dword(Keys::kDirLeaverThreshold, static_cast<quint32>(leaverThresholdPercent))
+        .dword(Keys::kDirPasswordLength, static_cast<quint32>(passwordLength))
+        .string(Keys::kDirPasswordAlphabet, passwordAlphabet);
+    return key->writeValues(values);
 }
 
 QString DirectorySettings::effectiveFilter() const

@@ -2,6 +2,7 @@
 
 #include "document/ChartJson.h"
 #include "platform/Gzip.h"
+#include "platform/PrivateFiles.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -97,7 +98,8 @@ QString RestorePoints::defaultFolder(const QString& home)
 bool RestorePoints::prepare(QString* problem) const
 {
     QDir dir(m_folder);
-    if (!dir.exists() && !QDir().mkpath(m_folder)) {
+    // Restore points hold every user's data: their folder is its owner's only, like the files.
+    if (!dir.exists() && !PrivateFiles::makePath(m_folder)) {
         *problem = m_folder;
         return false;
     }

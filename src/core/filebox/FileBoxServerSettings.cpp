@@ -73,11 +73,13 @@ FileBoxServerSettings::Confirm FileBoxServerSettings::confirm(const FileBoxServe
         return Confirm::PortOutOfRange;
     if (!isPortRangeValid(values.firstPort, values.lastPort))
         return Confirm::BadPortRange;
+    // One step, so that the file-box server never reads the ports of one setting with the address of another.
     if (const auto key = m_registry.createKey(RegRoot::LocalMachine, Keys::kSableBoxServer)) {
-        key->writeString(Keys::kHomeDirectory, values.homeDirectory);
-        key->writeDword(Keys::kCustomPasvMinPort, values.firstPort);
-        key->writeDword(Keys::kCustomPasvMaxPort, values.lastPort);
-        key->writeString(Keys::kCustomPasvIp, values.passiveAddress);
+        key->writeValues(RegistryValues()
+                             .string(Keys::kHomeDirectory, values.homeDirectory)
+                             .dword(Keys::kCustomPasvMinPort, values.firstPort)
+                             .dword(Keys::kCustomPasvMaxPort, values.lastPort)
+                             .string(Keys::kCustomPasvIp, values.passiveAddress));
     }
     // The views show the folders below it at once; the next opening would create it anyway.
     QDir().mkpath(values.homeDirectory);

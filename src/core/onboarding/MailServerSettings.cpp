@@ -40,10 +40,14 @@ MailServerSettings MailServerSettings::read(const Registry& registry)
 bool MailServerSettings::write(const Registry& registry) const
 {
     const auto key = registry.createKey(RegRoot::LocalMachine, Keys::kSableManager);
-    return key && key->writeString(Keys::kMailServer, host.trimmed()) && key->writeDword(Keys::kMailPort, port)
-        && key->writeDword(Keys::kMailSecurity, static_cast<quint32>(security))
-        && key->writeString(Keys::kMailUser, user) && key->writeString(Keys::kMailPassword, password)
-        && key->writeString(Keys::kMailSenderAddress, senderAddress.trimmed());
+    return key
+        && key->writeValues(RegistryValues()
+                                .string(Keys::kMailServer, host.trimmed())
+                                .dword(Keys::kMailPort, port)
+                                .dword(Keys::kMailSecurity, static_cast<quint32>(security))
+                                .string(Keys::kMailUser, user)
+                                .string(Keys::kMailPassword, password)
+                                .string(Keys::kMailSenderAddress, senderAddress.trimmed()));
 }
 
 } // namespace sable

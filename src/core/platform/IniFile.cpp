@@ -87,27 +87,33 @@ int IniFile::readInt(const QString& section, const QString& key, int defaultValu
 
 bool IniFile::writeString(const QString& section, const QString& key, const QString& value) const
 {
-    return update(section, key, value, true);
+    return writeStrings(section, {{key, value}});
 }
 
 bool IniFile::writeDefault(const QString& section, const QString& key, const QString& value) const
 {
-    return update(section, key, value, false);
+    return AtomicFile::update(m_path, [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
+        SectionedText text(iniSyntax(), kNativeEol);
+        text.parse(current.bytes);
+        if (!text.entryText(section, key))
+            text.setEntry(section, '[' + section.toUtf8() + ']', key, key.toUtf8() + '=' + value.toUtf8());
+        return text.serialize();
+    });
 }
 
-bool IniFile::update(const QString& section, const QString& key, const QString& value, bool bReplace) const
+bool IniFile::writeStrings(const QString& section, const QList<std::pair<QString, QString>>& values) const
 {
     return AtomicFile::update(m_path, [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
         SectionedText text(iniSyntax(), kNativeEol);
         text.parse(current.bytes);
-        if (!bReplace && text.entryText(section, key))
-            return current.bytes;
         const QByteArray header = '[' + section.toUtf8() + ']';
-        QByteArray keyText = key.toUtf8();
-        // An existing key keeps the spelling it has in the file.
-        if (const auto existing = text.entryText(section, key))
-            keyText = existing->first(existing->indexOf('=')).trimmed();
-        text.setEntry(section, header, key, keyText + '=' + value.toUtf8());
+        for (const auto& [key, value] : values) {
+            QByteArray keyText = key.toUtf8();
+            // An existing key keeps the spelling it has in the file.
+            if (const auto existing = text.entryText(section, key))
+                keyText = existing->first(existing->indexOf('=')).trimmed();
+            text.setEntry(section, header, key, keyText + '=' + value.toUtf8());
+        }
         return text.serialize();
     });
 }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+
+#include <utility>
 
 namespace sable {
 
@@ -30,10 +33,11 @@ public:
     // what it holds, all under the file's lock: true proves the file can be written, and a value
     // another program wrote meanwhile is never put back to an older one.
     bool writeDefault(const QString& section, const QString& key, const QString& value) const;
+    // Writes keys that belong together in one replacement of the file: a reader, or a writer killed
+    // halfway, sees all of them or none.
+    bool writeStrings(const QString& section, const QList<std::pair<QString, QString>>& values) const;
 
 private:
-    bool update(const QString& section, const QString& key, const QString& value, bool bReplace) const;
-
     QString m_path;
 };
 

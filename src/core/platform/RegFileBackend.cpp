@@ -7,6 +7,8 @@
 #include <QList>
 #include <QStringList>
 
+#include <cctype>
+
 namespace sable {
 namespace {
 
@@ -35,12 +37,35 @@ public:
         return name;
     }
 
-    bool continues(QByteArrayView line) const override { return line.trimmed().endsWith('\\'); }
+    // Only hexadecimal data goes on in the next line (`"Path"=hex(2):43,00,\`, then lines of bytes);
+    // any other value ends with its line, also one that a hand edit left ending in a backslash.
+    bool continues(QByteArrayView line) const override
+    {
+        const QByteArrayView text = line.trimmed();
+        if (!text.endsWith('\\'))
+            return false;
+        QString name;
+        const qsizetype end = text.startsWith("@=") ? 1 : parseQuoted(text, &name);
+        if (end < 0)
+            return isHexBytes(text);
+        const QByteArrayView rest = text.sliced(end).trimmed();
+        return rest.startsWith('=') && rest.sliced(1).trimmed().startsWith("hex");
+    }
+
     bool blankLineBeforeNewSection() const override { return true; }
     bool isIgnorable(QByteArrayView line) const override
     {
         const QByteArrayView text = line.trimmed();
         return text.isEmpty() || text.startsWith(';') || text == kHeader || text == "REGEDIT4";
+    }
+
+    static bool isHexBytes(QByteArrayView text)
+    {
+        for (const char c : text) {
+            if (!std::isxdigit(static_cast<unsigned char>(c)) && c != ',' && c != ' ' && c != '\t' && c != '\\')
+                return false;
+        }
+        return true;
     }
 
     // Parses "text" at the start of `text` (with \\ and \" escapes) into `out`; returns the index
@@ -175,6 +200,15 @@ QByteArray hexString(const QString& value)
     return "hex(1):" + parts.join(u',').toUtf8();
 }
 
+QByteArray dataText(const RegValue& value)
+{
+    if (const auto* number = std::get_if<std::uint32_t>(&value.data))
+        return "dword:" + QByteArray::number(*number, 16).rightJustified(8, '0');
+    const QString text = QString::fromStdString(std::get<std::string>(value.data));
+    const bool plain = !text.contains(u'\n') && !text.contains(u'\r') && !text.contains(QChar(0));
+    return plain ? quoted(text.toUtf8()) : hexString(text);
+}
+
 } // namespace
 
 RegFileBackend::RegFileBackend(QString localMachineFile, QString currentUserFile)
@@ -225,7 +259,13 @@ std::optional<std::uint32_t> RegFileBackend::readDword(RegRoot root, const std::
 
 ValuePresence RegFileBackend::valuePresence(RegRoot root, const std::string& path, const std::string& name)
 {
-    const SectionedText text = load(fileOf(root));
+    const AtomicFile::Contents contents = AtomicFile::read(fileOf(root));
+    if (contents.status == AtomicFile::ReadStatus::TooLarge)
+        return ValuePresence::FileTooLarge;
+    if (contents.status != AtomicFile::ReadStatus::Ok && contents.status != AtomicFile::ReadStatus::Missing)
+        return ValuePresence::Damaged; // there, but not to be read: it may hold the value
+    SectionedText text(regSyntax(), kEol);
+    text.parse(contents.bytes);
     const QString section = sectionOf(root, path);
     if (const auto entry = text.entryText(section, QString::fromStdString(name))) {
         const QByteArrayView data = dataOf(*entry);
@@ -250,14 +290,12 @@ ValuePresence RegFileBackend::valuePresence(RegRoot root, const std::string& pat
 bool RegFileBackend::writeString(
     RegRoot root, const std::string& path, const std::string& name, const std::string& value)
 {
-    const QString text = QString::fromStdString(value);
-    const bool plain = !text.contains(u'\n') && !text.contains(u'\r') && !text.contains(QChar(0));
-    return writeValue(root, path, name, plain ? quoted(text.toUtf8()) : hexString(text));
+    return writeValues(root, path, {{name, value}});
 }
 
 bool RegFileBackend::writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value)
 {
-    return writeValue(root, path, name, "dword:" + QByteArray::number(value, 16).rightJustified(8, '0'));
+    return writeValues(root, path, {{name, value}});
 }
 
 std::optional<QByteArray> RegFileBackend::valueText(
@@ -266,10 +304,9 @@ std::optional<QByteArray> RegFileBackend::valueText(
     return load(fileOf(root)).entryText(sectionOf(root, path), QString::fromStdString(name));
 }
 
-bool RegFileBackend::writeValue(RegRoot root, const std::string& path, const std::string& name, const QByteArray& data)
+bool RegFileBackend::writeValues(RegRoot root, const std::string& path, const std::vector<RegValue>& values)
 {
     const QString section = sectionOf(root, path);
-    const QString valueName = QString::fromStdString(name);
     bool keyFound = true;
     const bool written
         = AtomicFile::update(fileOf(root), [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
@@ -278,8 +315,11 @@ bool RegFileBackend::writeValue(RegRoot root, const std::string& path, const std
               keyFound = text.hasSectionUnder(section, u'\\');
               if (!keyFound)
                   return std::nullopt;
-              const QByteArray entryName = valueName.isEmpty() ? QByteArray("@") : quoted(valueName.toUtf8());
-              text.setEntry(section, '[' + section.toUtf8() + ']', valueName, entryName + '=' + data);
+              for (const RegValue& value : values) {
+                  const QString name = QString::fromStdString(value.name);
+                  const QByteArray entryName = name.isEmpty() ? QByteArray("@") : quoted(name.toUtf8());
+                  text.setEntry(section, '[' + section.toUtf8() + ']', name, entryName + '=' + dataText(value));
+              }
               return text.serialize();
           });
     return written && keyFound;

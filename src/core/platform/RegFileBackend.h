@@ -8,7 +8,9 @@ namespace sable {
 
 // The registry kept as one text file per root key in the format of regedit exports, so that
 // settings move to and from a Windows machine with regedit. Each write replaces the file atomically
-// under an advisory lock, so two programs that write at once both keep their values.
+// under an advisory lock, so two programs that write at once both keep their values. A file over
+// AtomicFile::kMaxBytes is no registry: it reads as empty, its values as FileTooLarge, and is never
+// written.
 class RegFileBackend final : public RegistryBackend
 {
 public:
@@ -26,10 +28,11 @@ public:
     ValuePresence valuePresence(RegRoot root, const std::string& path, const std::string& name) override;
     bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value) override;
     bool writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value) override;
+    // All values in one replacement of the file.
+    bool writeValues(RegRoot root, const std::string& path, const std::vector<RegValue>& values) override;
 
 private:
     std::optional<QByteArray> valueText(RegRoot root, const std::string& path, const std::string& name) const;
-    bool writeValue(RegRoot root, const std::string& path, const std::string& name, const QByteArray& data);
 
     QString m_localMachineFile;
     QString m_currentUserFile;

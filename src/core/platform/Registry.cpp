@@ -53,6 +53,18 @@ ValuePresence Registry::presence(RegRoot root, const QString& path, const QStrin
     return m_backend->valuePresence(root, path.toStdString(), name.toStdString());
 }
 
+RegistryValues& RegistryValues::string(const QString& name, const QString& value)
+{
+    m_values.push_back({name.toStdString(), value.toStdString()});
+    return *this;
+}
+
+RegistryValues& RegistryValues::dword(const QString& name, quint32 value)
+{
+    m_values.push_back({name.toStdString(), std::uint32_t {value}});
+    return *this;
+}
+
 RegistryKey::RegistryKey(std::shared_ptr<RegistryBackend> backend, RegRoot root, QString path)
     : m_backend(std::move(backend))
     , m_root(root)
@@ -81,6 +93,11 @@ bool RegistryKey::writeString(const QString& name, const QString& value) const
 bool RegistryKey::writeDword(const QString& name, quint32 value) const
 {
     return m_backend->writeDword(m_root, m_path.toStdString(), name.toStdString(), value);
+}
+
+bool RegistryKey::writeValues(const RegistryValues& values) const
+{
+    return m_backend->writeValues(m_root, m_path.toStdString(), values.values());
 }
 
 } // namespace sable

@@ -44,6 +44,20 @@ private:
     std::shared_ptr<RegistryBackend> m_backend;
 };
 
+// Values that belong together (a server's address with its user and password), for
+// RegistryKey::writeValues.
+class RegistryValues
+{
+public:
+    RegistryValues& string(const QString& name, const QString& value);
+    RegistryValues& dword(const QString& name, quint32 value);
+
+    const std::vector<RegValue>& values() const { return m_values; }
+
+private:
+    std::vector<RegValue> m_values;
+};
+
 class RegistryKey
 {
 public:
@@ -56,6 +70,8 @@ public:
     std::optional<quint32> readDword(const QString& name) const;
     bool writeString(const QString& name, const QString& value) const;
     bool writeDword(const QString& name, quint32 value) const;
+    // Writes every value in one change where the store has one (see RegistryBackend::writeValues).
+    bool writeValues(const RegistryValues& values) const;
 
 private:
     std::shared_ptr<RegistryBackend> m_backend;

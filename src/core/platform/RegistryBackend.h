@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <variant>
+#include <vector>
 
 namespace sable {
 
@@ -21,6 +23,14 @@ enum class ValuePresence
     Absent,
     Present,
     Damaged, // the text that holds the value, or its key, cannot be parsed: it may be there
+    FileTooLarge, // the file that holds the registry is too large to be a registry, and is not read
+};
+
+// One value of several written together: a string or a DWORD.
+struct RegValue
+{
+    std::string name;
+    std::variant<std::string, std::uint32_t> data;
 };
 
 // The registry operations the console uses. Paths and values are UTF-8; key paths ignore case.
@@ -51,6 +61,9 @@ public:
     virtual bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value)
         = 0;
     virtual bool writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value) = 0;
+    // Writes values that belong together into an existing key, as one change where the store has
+    // one: a reader, or a writer killed halfway, sees all of them or none.
+    virtual bool writeValues(RegRoot root, const std::string& path, const std::vector<RegValue>& values) = 0;
 };
 
 } // namespace sable

@@ -66,6 +66,20 @@ std::optional<std::vector<BYTE>> queryValue(HKEY key, const std::string& name, D
     return data;
 }
 
+bool setValue(HKEY key, const RegValue& value)
+{
+    const std::wstring name = widen(value.name);
+    if (const auto* number = std::get_if<std::uint32_t>(&value.data)) {
+        const DWORD data = *number;
+        return RegSetValueExW(key, name.c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof data)
+            == ERROR_SUCCESS;
+    }
+    const std::wstring wide = widen(std::get<std::string>(value.data));
+    const auto bytes = static_cast<DWORD>((wide.size() + 1) * sizeof(wchar_t));
+    return RegSetValueExW(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(wide.c_str()), bytes)
+        == ERROR_SUCCESS;
+}
+
 } // namespace
 
 bool WinRegistryBackend::keyExists(RegRoot root, const std::string& path)
@@ -118,25 +132,24 @@ std::optional<std::uint32_t> WinRegistryBackend::readDword(
 bool WinRegistryBackend::writeString(
     RegRoot root, const std::string& path, const std::string& name, const std::string& value)
 {
-    Key key(root, path, KEY_SET_VALUE);
-    if (!key.handle())
-        return false;
-    const std::wstring wide = widen(value);
-    const auto bytes = static_cast<DWORD>((wide.size() + 1) * sizeof(wchar_t));
-    return RegSetValueExW(
-               key.handle(), widen(name).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(wide.c_str()), bytes)
-        == ERROR_SUCCESS;
+    return writeValues(root, path, {{name, value}});
 }
 
 bool WinRegistryBackend::writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value)
 {
+    return writeValues(root, path, {{name, value}});
+}
+
+bool WinRegistryBackend::writeValues(RegRoot root, const std::string& path, const std::vector<RegValue>& values)
+{
     Key key(root, path, KEY_SET_VALUE);
     if (!key.handle())
         return false;
-    const DWORD data = value;
-    return RegSetValueExW(
-               key.handle(), widen(name).c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof data)
-        == ERROR_SUCCESS;
+    for (const RegValue& value : values) {
+        if (!setValue(key.handle(), value))
+            return false;
+    }
+    return true;
 }
 
 } // namespace sable

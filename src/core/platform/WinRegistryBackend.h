@@ -18,6 +18,10 @@ public:
     std::optional<std::uint32_t> readDword(RegRoot root, const std::string& path, const std::string& name) override;
     bool writeString(RegRoot root, const std::string& path, const std::string& name, const std::string& value) override;
     bool writeDword(RegRoot root, const std::string& path, const std::string& name, std::uint32_t value) override;
+    // The registry has no transaction over several values (the transacted registry API is
+    // deprecated and absent from Wine): the values are written one after the other through one
+    // handle, and a failure stops at the value that failed.
+    bool writeValues(RegRoot root, const std::string& path, const std::vector<RegValue>& values) override;
 };
 
 } // namespace sable

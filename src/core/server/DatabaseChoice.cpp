@@ -115,15 +115,16 @@ QString DatabaseChoice::problem() const
 bool DatabaseChoice::write(const StartupConfig& config) const
 {
     const auto key = config.registry().createKey(RegRoot::LocalMachine, Keys::kDatabase);
-    if (!key || !key->writeString(Keys::kConnectionString, connectionString())
-        || !key->writeString(Keys::kDatabaseType, typeName()))
+    if (!key
+        || !key->writeValues(RegistryValues()
+                                 .string(Keys::kConnectionString, connectionString())
+                                 .string(Keys::kDatabaseType, typeName())))
         return false;
     const bool sqlServer = kind == Kind::SqlServer;
     const IniFile ini(config.paths().settingsFilePath);
-    return ini.writeString(Keys::kDBInfo, Keys::kDBAddr, sqlServer ? server : QString())
-        && ini.writeString(Keys::kDBInfo, Keys::kDBName, sqlServer ? databaseName : QString())
-        && ini.writeString(Keys::kDBInfo, Keys::kUID, sqlServer ? user : QString())
-        && ini.writeString(Keys::kDBInfo, Keys::kPWD, sqlServer ? password : QString());
+    return ini.writeStrings(Keys::kDBInfo,
+        {{Keys::kDBAddr, sqlServer ? server : QString()}, {Keys::kDBName, sqlServer ? databaseName : QString()},
+            {Keys::kUID, sqlServer ? user : QString()}, {Keys::kPWD, sqlServer ? password : QString()}});
 }
 
 } // namespace sable

@@ -36,10 +36,13 @@ ServiceManagerSettings ServiceManagerSettings::read(const Registry& registry)
 bool ServiceManagerSettings::write(const Registry& registry) const
 {
     const auto key = registry.createKey(RegRoot::LocalMachine, Keys::kSableManager);
-    return key && key->writeString(Keys::kServiceManager, nameOf(kind))
-        && key->writeString(Keys::kSupervisorUrl, supervisorUrl)
-        && key->writeString(Keys::kSupervisorUser, supervisorUser)
-        && key->writeString(Keys::kSupervisorPassword, supervisorPassword);
+    // In one step: an address with another configuration's password reaches nobody.
+    return key
+        && key->writeValues(RegistryValues()
+                                .string(Keys::kServiceManager, nameOf(kind))
+                                .string(Keys::kSupervisorUrl, supervisorUrl)
+                                .string(Keys::kSupervisorUser, supervisorUser)
+                                .string(Keys::kSupervisorPassword, supervisorPassword));
 }
 
 std::shared_ptr<ServiceBackend> ServiceManagerSettings::createBackend() const

@@ -3,6 +3,7 @@
 #include "Messages.h"
 #include "SettingsKeys.h"
 #include "db/DbConnection.h"
+#include "platform/AtomicFile.h"
 #include "platform/CodePage949.h"
 
 #include <limits>
@@ -83,9 +84,9 @@ ConnectionSetting StartupConfig::settleConnection() const
         return setting;
     setting.text = DbConnection::defaultConnectionString(m_paths.defaultDatabasePath);
     if (const auto key = m_registry.createKey(RegRoot::LocalMachine, Keys::kDatabase)) {
-        key->writeString(Keys::kConnectionString, setting.text);
-        key->writeString(Keys::kDatabaseType, defaultDatabaseType());
-        setting.bWroteDefault = true;
+        setting.bWroteDefault = key->writeValues(RegistryValues()
+                                                     .string(Keys::kConnectionString, setting.text)
+                                                     .string(Keys::kDatabaseType, defaultDatabaseType()));
     }
     return setting;
 }
@@ -108,6 +109,9 @@ QString StartupConfig::connectionProblem() const
         return {};
     case ValuePresence::Damaged:
         return Msg::kConnectionStringUnreadable + u'\n' + Msg::kConnectionStringDamaged;
+    case ValuePresence::FileTooLarge:
+        return Msg::kConnectionStringUnreadable + u'\n'
+            + Msg::kRegistryFileTooLarge.arg(AtomicFile::kMaxBytes / (1024 * 1024));
     case ValuePresence::Present:
         break;
     }

@@ -4,6 +4,7 @@
 #include "db/ConnectionString.h"
 #include "db/DbSchema.h"
 #include "platform/LocalAddress.h"
+#include "platform/PrivateFiles.h"
 #include "platform/ProcessLauncher.h"
 #include "server/ServerDatabase.h"
 #include "server/ServerServices.h"
@@ -71,7 +72,9 @@ EmbeddedDatabase ensureEmbeddedDatabase(const StartupConfig& config)
     const bool existed = QFileInfo::exists(path);
     if (existed && connection.open(sqliteConnectionString(path)) && !DbSchema::existingTables(connection).isEmpty())
         return EmbeddedDatabase::Present;
-    QDir().mkpath(QFileInfo(path).absolutePath());
+    // The database holds every user's password: a new one is for its owner's eyes only.
+    if (!PrivateFiles::makePath(QFileInfo(path).absolutePath()) || !PrivateFiles::createEmpty(path))
+        return EmbeddedDatabase::Failed;
     if (!connection.open(sqliteConnectionString(path) + QStringLiteral(";FailIfMissing=False")))
         return EmbeddedDatabase::Failed;
     bool ok = false;

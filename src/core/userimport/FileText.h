@@ -19,8 +19,10 @@ enum class FileEncoding
 
 namespace FileText {
 
-// A byte-order mark decides; otherwise text that is valid UTF-8 is UTF-8, and anything else is
-// taken for the Korean code page.
+// A byte-order mark decides; otherwise text that is valid UTF-8 is UTF-8, and so is text whose
+// well-formed multi-byte sequences far outnumber its bad bytes (decode then names the first bad
+// line); otherwise text valid in the Korean code page is taken for it, and text valid in neither
+// for the one of the two that reads further.
 FileEncoding detect(const QByteArray& bytes);
 
 // The text of the file without its byte-order mark; nullopt when the bytes are not valid in

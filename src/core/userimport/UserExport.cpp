@@ -3,6 +3,7 @@
 #include "Messages.h"
 #include "orgchart/OrgChart.h"
 #include "orgchart/RankList.h"
+#include "platform/PrivateFiles.h"
 #include "userimport/ColumnMapping.h"
 #include "userimport/Csv.h"
 #include "userimport/DepartmentPaths.h"
@@ -78,7 +79,8 @@ bool writeFile(const OrgChart& chart, const RankList& ranks, const QString& path
 {
     QSaveFile file(path);
     const QByteArray bytes = csv(chart, ranks);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    // Passwords are among the columns.
+    if (!PrivateFiles::open(file) || file.write(bytes) != bytes.size() || !file.commit()) {
         *error = Msg::kExportCannotWrite.arg(path, file.errorString());
         return false;
     }

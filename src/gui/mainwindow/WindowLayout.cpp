@@ -70,10 +70,13 @@ bool WindowLayout::restoreWindow(QMainWindow& window) const
 
 void WindowLayout::saveWindow(const QMainWindow& window) const
 {
-    writeBytes(Keys::kLayoutGeometry, window.saveGeometry());
-    writeBytes(Keys::kLayoutBars, window.saveState());
-    if (const auto key = m_registry.createKey(RegRoot::CurrentUser, Keys::kSableManagerLayout))
-        key->writeDword(Keys::kLayoutStatusBar, window.statusBar()->isVisibleTo(&window) ? 1 : 0);
+    // Together: the bars' state is only restored with the geometry it was saved with.
+    if (const auto key = m_registry.createKey(RegRoot::CurrentUser, Keys::kSableManagerLayout)) {
+        key->writeValues(RegistryValues()
+                             .string(Keys::kLayoutGeometry, QString::fromLatin1(window.saveGeometry().toBase64()))
+                             .string(Keys::kLayoutBars, QString::fromLatin1(window.saveState().toBase64()))
+                             .dword(Keys::kLayoutStatusBar, window.statusBar()->isVisibleTo(&window) ? 1 : 0));
+    }
 }
 
 void WindowLayout::restoreParts(QWidget& page) const

@@ -1,0 +1,47 @@
+#include "platform/PrivateFiles.h"
+
+#include "platform/NativeFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStringList>
+
+namespace sable::PrivateFiles {
+
+bool makePath(const QString& folder)
+{
+    QStringList missing;
+    for (QString path = QDir::cleanPath(QFileInfo(folder).absoluteFilePath()); !QFileInfo::exists(path);) {
+        missing.prepend(path);
+        const QString parent = QFileInfo(path).absolutePath();
+        if (parent == path)
+            break;
+        path = parent;
+    }
+    for (const QString& path : missing) {
+        if (!NativeFile::makeFolder(path))
+            return false;
+    }
+    return QFileInfo(folder).isDir();
+}
+
+bool createEmpty(const QString& path)
+{
+    if (QFileInfo::exists(path))
+        return true;
+    QFile file(path);
+    return NativeFile::createFor(file, path) || QFileInfo::exists(path);
+}
+
+bool open(QSaveFile& file)
+{
+    const bool existed = QFileInfo::exists(file.fileName());
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    // The temporary file's mode becomes the file's at the commit.
+    return existed || file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+} // namespace sable::PrivateFiles
