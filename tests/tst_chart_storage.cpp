@@ -593,7 +593,7 @@ namespace {
 // reason) when it cannot get through.
 bool saveMerging(CSableManagerDoc& doc, const IniFile& settings, const ChartSave::Collaborators& with, QString* why)
 {
-    for (int attempt = 0; attempt < 50; ++attempt) {
+    for (int attempt = 0; attempt < 200; ++attempt) {
         std::shared_ptr<const ChartTables> theirs;
         switch (ChartSave::run(doc, settings, with, &theirs)) {
         case ChartSave::Outcome::Saved:

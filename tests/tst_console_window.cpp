@@ -4,7 +4,9 @@
 #include "ChartText.h"
 #include "TestSupport.h"
 #include "db/ConnectionString.h"
+#include "document/JournalView.h"
 #include "document/RankEdits.h"
+#include "document/RestorePointDialog.h"
 #include "filebox/SableBoxSettingsDialog.h"
 #include "mainwindow/CMainFrame.h"
 #include "mainwindow/CProgressThread.h"
@@ -22,17 +24,23 @@
 #include "widgets/NavigationBar.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QDateEdit>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QProcess>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTableView>
+#include <QTableWidget>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
+#include <QTreeWidget>
 
 using namespace sable;
 
@@ -80,6 +88,14 @@ struct Console
         QSignalSpy loaded(frame.get(), &CMainFrame::chartLoaded);
         frame->startLoad();
         return loaded.wait(20000);
+    }
+
+    // Saves as 파일 ▸ 저장 does; true when it was written.
+    bool save()
+    {
+        QSignalSpy saved(frame.get(), &CMainFrame::saveFinished);
+        frame->runCommand(Cmd::kSave);
+        return saved.wait(20000) && saved.first().first().value<ChartSave::Outcome>() == ChartSave::Outcome::Saved;
     }
 
     COrganizeFormView* editor()
@@ -139,6 +155,9 @@ private Q_SLOTS:
     void editSaveAndFindAfterRestart();
     void registrationMailFromTheChartEditor();
     void stopLoading();
+    void restorePointOpensAsOneStep();
+    void journalFilters_data();
+    void journalFilters();
 
 private:
     std::unique_ptr<Console> m_console;
@@ -172,6 +191,8 @@ void TestConsoleWindow::navigation()
     frame.findChild<SableBoxSettingsDialog*>()->reject();
     bar->itemButton(1)->click();
     QCOMPARE(frame.currentView(), int(Cmd::kRankEditor));
+    bar->itemButton(5)->click();
+    QCOMPARE(frame.currentView(), int(Cmd::kJournal));
 }
 
 void TestConsoleWindow::commandStates_data()
@@ -473,6 +494,141 @@ void TestConsoleWindow::stopLoading()
     // A stop inside the load shows the open failure, then the console closes.
     QTRY_VERIFY_WITH_TIMEOUT(!frame.isVisible(), 20000);
     QCOMPARE(m_console->told, QStringList {QStringLiteral("데이터 베이스 파일을 여는중 오류가 발생했습니다.")});
+}
+
+namespace {
+
+// Renames 재무팀 (4) and saves; then gives mjlee a new password and saves again.
+bool saveTwice(Console& console)
+{
+    CSableManagerDoc& doc = console.frame->document();
+    if (!ChartEdits(doc).renameDepartment(doc.chart().findGroup(4), QStringLiteral("재무회계팀")).bChanged
+        || !console.save())
+        return false;
+    for (int row = 0; row < doc.chart().memberCount(); ++row) {
+        if (doc.chart().member(row).MemberID == QLatin1String("mjlee"))
+            return ChartEdits(doc).editCell(row, ColPasswd, QStringLiteral("new-secret")).bChanged && console.save();
+    }
+    return false;
+}
+
+} // namespace
+
+void TestConsoleWindow::restorePointOpensAsOneStep()
+{
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    QVERIFY(saveTwice(*m_console));
+    CSableManagerDoc& doc = frame.document();
+    QCOMPARE(doc.chart().findGroup(4)->name(), QStringLiteral("재무회계팀"));
+
+    // The older point (before the rename) is chosen; the question says that edits are replaced.
+    bool bRan = false;
+    frame.setRestorePointRunner([&bRan](RestorePointDialog& dialog) {
+        QSignalSpy listed(&dialog, &RestorePointDialog::listRead);
+        QVERIFY(listed.wait(10000));
+        QTreeWidget* list = dialog.list();
+        QCOMPARE(list->topLevelItemCount(), 2);
+        QVERIFY2(list->topLevelItem(1)->text(3).contains(QStringLiteral("부서: 추가 0, 변경 1, 삭제 0")),
+            qPrintable(list->topLevelItem(1)->text(3)));
+        QCOMPARE(list->topLevelItem(0)->text(2), QStringLiteral("console"));
+        list->setCurrentItem(list->topLevelItem(1));
+        dialog.openButton()->click();
+        QTRY_COMPARE_WITH_TIMEOUT(dialog.result(), int(QDialog::Accepted), 10000);
+        bRan = true;
+    });
+    m_console->asked.clear();
+    frame.runCommand(Cmd::kRestorePoints);
+    QVERIFY(bRan);
+    QCOMPARE(m_console->asked.size(), 1);
+    QVERIFY(m_console->asked.first().contains(QStringLiteral("저장하지 않은 변경")));
+    QCOMPARE(doc.chart().findGroup(4)->name(), QStringLiteral("재무팀"));
+    QVERIFY(doc.isModified());
+    QCOMPARE(frame.currentView(), int(Cmd::kChartEditor));
+    QVERIFY(doc.history().undoText().startsWith(QStringLiteral("복원 지점 열기")));
+    frame.runCommand(Cmd::kUndo);
+    QCOMPARE(doc.chart().findGroup(4)->name(), QStringLiteral("재무회계팀"));
+    frame.runCommand(Cmd::kRedo);
+    QCOMPARE(doc.chart().findGroup(4)->name(), QStringLiteral("재무팀"));
+
+    // Saved as any edit: the journal view, shown, reads the third save.
+    frame.switchToView(Cmd::kJournal);
+    JournalView* journal = frame.journalView();
+    QSignalSpy refreshed(journal, &JournalView::refreshed);
+    QVERIFY(refreshed.wait(10000));
+    QCOMPARE(journal->saveList()->rowCount(), 2);
+    QVERIFY(m_console->save());
+    QTRY_COMPARE_WITH_TIMEOUT(journal->saveList()->rowCount(), 3, 10000);
+    QCOMPARE(frame.document().chart().findGroup(4)->name(), QStringLiteral("재무팀"));
+}
+
+void TestConsoleWindow::journalFilters_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("summaries"); // the saves shown, newest first
+    const QString password = QStringLiteral("사용자 변경 1");
+    const QString rename = QStringLiteral("부서 변경 1");
+    QTest::newRow("none") << ""
+                          << "" << QStringList {password, rename};
+    QTest::newRow("administrator") << "user"
+                                   << "ADMIN" << QStringList {password, rename};
+    QTest::newRow("another administrator") << "user"
+                                           << "no-such-admin" << QStringList {};
+    QTest::newRow("department") << "department"
+                                << "재무" << QStringList {rename};
+    QTest::newRow("login ID") << "login"
+                              << "MJLEE" << QStringList {password};
+    QTest::newRow("today") << "period"
+                           << "0" << QStringList {password, rename};
+    QTest::newRow("from tomorrow") << "period"
+                                   << "1" << QStringList {};
+}
+
+void TestConsoleWindow::journalFilters()
+{
+    QFETCH(QString, filter);
+    QFETCH(QString, text);
+    QFETCH(QStringList, summaries);
+    // The account the saves name, whoever runs the test.
+    const QByteArray account = qgetenv("USER");
+    qputenv("USER", "sable-admin");
+    const auto restoreAccount = qScopeGuard([&account] { qputenv("USER", account); });
+    CMainFrame& frame = m_console->open();
+    QVERIFY(m_console->load());
+    QVERIFY(saveTwice(*m_console));
+    frame.runCommand(Cmd::kShowJournal);
+    QCOMPARE(frame.currentView(), int(Cmd::kJournal));
+    JournalView* journal = frame.journalView();
+    QSignalSpy refreshed(journal, &JournalView::refreshed);
+    QVERIFY(refreshed.wait(10000));
+    QCOMPARE(journal->saveList()->rowCount(), 2);
+
+    if (filter == QLatin1String("period")) {
+        const QDate from = QDate::currentDate().addDays(text.toInt());
+        journal->fromEdit()->setDate(from);
+        journal->toEdit()->setDate(from);
+        journal->periodBox()->setChecked(true);
+    } else if (!filter.isEmpty()) {
+        QLineEdit* edit = filter == QLatin1String("user") ? journal->userEdit()
+            : filter == QLatin1String("department")       ? journal->departmentEdit()
+                                                          : journal->loginEdit();
+        edit->setText(text);
+    }
+    if (filter.isEmpty())
+        frame.runCommand(Cmd::kRefreshJournal);
+    QVERIFY(refreshed.wait(10000));
+    QStringList shown;
+    for (int row = 0; row < journal->saveList()->rowCount(); ++row)
+        shown << journal->saveList()->item(row, 3)->text();
+    QCOMPARE(shown, summaries);
+    // The rows of the selected save, the newest: a password shows only as changed.
+    if (!summaries.isEmpty() && summaries.first() == QStringLiteral("사용자 변경 1")) {
+        QTableWidget* rows = journal->rowList();
+        QCOMPARE(rows->rowCount(), 1);
+        QCOMPARE(rows->item(0, 3)->text(), QStringLiteral("mjlee"));
+        QCOMPARE(rows->item(0, 5)->text(), QStringLiteral("비밀번호"));
+    }
 }
 
 QTEST_MAIN(TestConsoleWindow)

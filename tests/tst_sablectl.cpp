@@ -2,9 +2,14 @@
 
 #include "TestSupport.h"
 #include "db/ConnectionString.h"
+#include "db/DbConnection.h"
+#include "platform/Gzip.h"
 #include "server/ServiceManagerSettings.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTest>
@@ -31,6 +36,12 @@ private Q_SLOTS:
     void passwordsNeverPrinted();
     void servicePasswordKept_data();
     void servicePasswordKept();
+    void chartRestoreRoundTrip_data();
+    void chartRestoreRoundTrip();
+    void chartRestoreRefusals_data();
+    void chartRestoreRefusals();
+    void logAfterTwoSaves_data();
+    void logAfterTwoSaves();
 
 private:
     struct Result
@@ -42,7 +53,97 @@ private:
     Result run(const TempHome& home, const QStringList& args, const QByteArray& input = {});
     // A server folder with the demo organisation in its embedded database.
     bool makeDemoHome(const TempHome& home, const QString& folder);
+    // Exports the chart, lets `edit` change the JSON and imports it with --yes: one save.
+    bool saveEdited(const TempHome& home, const QString& folder, const std::function<void(QJsonObject&)>& edit);
+    // The restore points as `chart restore --list` names them, newest first.
+    QStringList restorePoints(const TempHome& home, const QString& folder);
 };
+
+namespace {
+
+// The K_MemberID of `login` in an exported chart.
+int memberId(const QJsonObject& chart, const QString& login)
+{
+    for (const QJsonValue& member : chart.value(QStringLiteral("members")).toArray()) {
+        if (member[QStringLiteral("MemberID")].toString() == login)
+            return member[QStringLiteral("K_MemberID")].toInt();
+    }
+    return 0;
+}
+
+// Leaves out of `key` the rows whose `field` is `value`.
+void removeRows(QJsonObject& chart, const QString& key, const QString& field, int value)
+{
+    QJsonArray kept;
+    for (const QJsonValue& row : chart.value(key).toArray()) {
+        if (row[field].toInt() != value)
+            kept.append(row);
+    }
+    chart.insert(key, kept);
+}
+
+void setField(QJsonObject& chart, const QString& key, const QString& idField, int id, const QString& field,
+    const QJsonValue& value)
+{
+    QJsonArray rows = chart.value(key).toArray();
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        QJsonObject row = rows[i].toObject();
+        if (row[idField].toInt() == id) {
+            row.insert(field, value);
+            rows[i] = row;
+        }
+    }
+    chart.insert(key, rows);
+}
+
+void removeMember(QJsonObject& chart, const QString& login)
+{
+    const int id = memberId(chart, login);
+    removeRows(chart, QStringLiteral("members"), QStringLiteral("K_MemberID"), id);
+    removeRows(chart, QStringLiteral("relations"), QStringLiteral("K_MemberID"), id);
+}
+
+bool execute(const QString& database, const QStringList& statements)
+{
+    sable::DbConnection db;
+    if (!db.open(database))
+        return false;
+    for (const QString& sql : statements) {
+        if (!db.executeNoRecords(sql))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool TestSablectl::saveEdited(
+    const TempHome& home, const QString& folder, const std::function<void(QJsonObject&)>& edit)
+{
+    const Result exported
+        = run(home, {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("export")});
+    QJsonObject chart = QJsonDocument::fromJson(exported.out.toUtf8()).object();
+    if (exported.code != 0 || chart.isEmpty())
+        return false;
+    edit(chart);
+    home.writeFile(QStringLiteral("edited.json"), QJsonDocument(chart).toJson());
+    const Result imported = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("import"),
+            home.path(QStringLiteral("edited.json")), QStringLiteral("--yes")});
+    return imported.code == 0;
+}
+
+QStringList TestSablectl::restorePoints(const TempHome& home, const QString& folder)
+{
+    const Result listed = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"),
+            QStringLiteral("--list")});
+    static const QRegularExpression file(QStringLiteral("\\S+\\.json\\.gz$"), QRegularExpression::MultilineOption);
+    QStringList names;
+    for (auto match = file.globalMatch(listed.out); match.hasNext();)
+        names << match.next().captured();
+    return names;
+}
 
 TestSablectl::Result TestSablectl::run(const TempHome& home, const QStringList& args, const QByteArray& input)
 {
@@ -429,6 +530,199 @@ void TestSablectl::servicePasswordKept()
     const sable::ServiceManagerSettings settings = sable::ServiceManagerSettings::read(home.registry());
     QCOMPARE(settings.supervisorPassword, code == 0 ? QStringLiteral("pa;ss word") : QString());
     QCOMPARE(settings.supervisorUser, code == 0 ? QStringLiteral("sable") : QString());
+}
+
+void TestSablectl::chartRestoreRoundTrip_data()
+{
+    QTest::addColumn<QString>("edit");
+    QTest::addColumn<QString>("changeLine");
+    QTest::newRow("user deleted") << "delete"
+                                  << "사용자: 추가 1, 변경 0, 삭제 0";
+    QTest::newRow("department renamed, user deleted") << "rename+delete"
+                                                      << "부서: 추가 0, 변경 1, 삭제 0";
+    QTest::newRow("user added") << "add"
+                                << "사용자: 추가 0, 변경 0, 삭제 1";
+}
+
+void TestSablectl::chartRestoreRoundTrip()
+{
+    QFETCH(QString, edit);
+    QFETCH(QString, changeLine);
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    // eskang (6) keeps lists and a memo, and is on jhkim's (1) list; jhkim's list of sypark (2) is
+    // nobody's who leaves.
+    QVERIFY(execute(database,
+        {QStringLiteral("INSERT INTO SD_Antenna VALUES (1,2)"), QStringLiteral("INSERT INTO SD_Antenna VALUES (6,1)"),
+            QStringLiteral("INSERT INTO SD_MyMember VALUES (1,6,NULL)"),
+            QStringLiteral("INSERT INTO SD_MyGroup VALUES (6,1,'동기')"),
+            QStringLiteral("INSERT INTO SD_LeavedMemo VALUES (6,1,'회의 자료')")}));
+    const QStringList before = tableDump(database);
+
+    QVERIFY(saveEdited(home, folder, [&edit](QJsonObject& chart) {
+        if (edit.contains(QLatin1String("delete"))) {
+            QCOMPARE(memberId(chart, QStringLiteral("eskang")), 6);
+            removeMember(chart, QStringLiteral("eskang"));
+        }
+        if (edit.contains(QLatin1String("rename")))
+            setField(chart, QStringLiteral("groups"), QStringLiteral("K_GroupID"), 4, QStringLiteral("GroupName"),
+                QStringLiteral("재무회계팀"));
+        if (edit == QLatin1String("add")) {
+            QJsonArray members = chart.value(QStringLiteral("members")).toArray();
+            QJsonObject added = members.first().toObject();
+            added.insert(QStringLiteral("K_MemberID"), 900);
+            added.insert(QStringLiteral("MemberID"), QStringLiteral("newcomer"));
+            members.append(added);
+            chart.insert(QStringLiteral("members"), members);
+        }
+    }));
+    QVERIFY(tableDump(database) != before);
+
+    const QStringList points = restorePoints(home, folder);
+    QVERIFY2(!points.isEmpty(), "no restore point listed");
+    const Result restored = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"), points.first(),
+            QStringLiteral("--yes")});
+    QVERIFY2(restored.code == 0, qPrintable(restored.err));
+    QVERIFY2(restored.out.contains(changeLine), qPrintable(restored.out));
+    QCOMPARE(restored.out.contains(QLatin1String("per-user rows put back: 4")), edit.contains(QLatin1String("delete")));
+    QCOMPARE(tableDump(database), before);
+    // The restore is a save like any other: it leaves a point of its own, and the journal has it.
+    QCOMPARE(restorePoints(home, folder).size(), points.size() + 1);
+
+    const Result again = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"), points.first(),
+            QStringLiteral("--yes")});
+    QCOMPARE(again.code, 0);
+    QVERIFY(again.out.contains(QLatin1String("nothing to restore")));
+}
+
+void TestSablectl::chartRestoreRefusals_data()
+{
+    QTest::addColumn<QString>("damage");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("chart export, not compressed") << "plain"
+                                                  << "not a gzip file";
+    QTest::newRow("cut short") << "cut"
+                               << "not a gzip file";
+    QTest::newRow("other compressed JSON") << "foreign"
+                                           << "not a restore point";
+    QTest::newRow("rows of another table") << "table"
+                                           << "per-user rows are not in the expected form";
+    QTest::newRow("missing") << "missing"
+                             << "bad.json.gz: ";
+}
+
+void TestSablectl::chartRestoreRefusals()
+{
+    QFETCH(QString, damage);
+    QFETCH(QString, reason);
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) { removeMember(chart, QStringLiteral("eskang")); }));
+    const QStringList points = restorePoints(home, folder);
+    QCOMPARE(points.size(), 1);
+    const QByteArray good = home.readFile(QStringLiteral("home/backups/") + points.first());
+    const QByteArray json = *sable::Gzip::decompress(good, 1 << 30);
+    QByteArray bad;
+    if (damage == QLatin1String("plain"))
+        bad = json;
+    else if (damage == QLatin1String("cut"))
+        bad = good.left(good.size() / 2);
+    else if (damage == QLatin1String("foreign"))
+        bad = sable::Gzip::compress("{\"chart\": {}}");
+    else if (damage == QLatin1String("table")) // the chart's own table passed off as a user's
+        bad = sable::Gzip::compress(QByteArray(json).replace("\"userData\": []",
+            "\"userData\": [{\"table\": \"SD_Member\", \"columns\": [\"K_MemberID\"], \"rows\": [[1]]}]"));
+    if (damage != QLatin1String("missing"))
+        home.writeFile(QStringLiteral("bad.json.gz"), bad);
+    if (damage == QLatin1String("table"))
+        QVERIFY(*sable::Gzip::decompress(bad, 1 << 30) != json);
+
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const QStringList before = tableDump(database);
+    const Result result = run(home,
+        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"),
+            home.path(QStringLiteral("bad.json.gz")), QStringLiteral("--yes")});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.err.contains(QStringLiteral("bad.json.gz: ")) && result.err.contains(reason)
+            && result.err.contains(QLatin1String("nothing was written")),
+        qPrintable(result.err));
+    QCOMPARE(tableDump(database), before);
+    QCOMPARE(restorePoints(home, folder), points);
+}
+
+void TestSablectl::logAfterTwoSaves_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("saves");
+    const QString today = QDate::currentDate().toString(Qt::ISODate);
+    const QString tomorrow = QDate::currentDate().addDays(1).toString(Qt::ISODate);
+    QTest::newRow("all") << QStringList {} << 2;
+    QTest::newRow("since today") << QStringList {"--since", today} << 2;
+    QTest::newRow("since tomorrow") << QStringList {"--since=" + tomorrow} << 0;
+    QTest::newRow("json") << QStringList {"--json"} << 2;
+    QTest::newRow("json since tomorrow") << QStringList {"--json", "--since", tomorrow + "T00:00"} << 0;
+}
+
+void TestSablectl::logAfterTwoSaves()
+{
+    QFETCH(QStringList, args);
+    QFETCH(int, saves);
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) { removeMember(chart, QStringLiteral("eskang")); }));
+    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) {
+        setField(chart, QStringLiteral("members"), QStringLiteral("K_MemberID"), 1, QStringLiteral("Passwd"),
+            QStringLiteral("s3cret-new"));
+        setField(chart, QStringLiteral("groups"), QStringLiteral("K_GroupID"), 4, QStringLiteral("GroupName"),
+            QStringLiteral("재무회계팀"));
+    }));
+
+    const Result log = run(home, QStringList {QStringLiteral("--home"), folder, QStringLiteral("log")} + args);
+    QVERIFY2(log.code == 0, qPrintable(log.err));
+    // Passwords are never shown, only that they changed.
+    QVERIFY(!log.out.contains(QLatin1String("s3cret-new")));
+    QStringList lines; // a row a line: the save's place (1 the newest), table, action, name, login ID, fields
+    if (args.contains(QStringLiteral("--json"))) {
+        const QJsonArray array = QJsonDocument::fromJson(log.out.toUtf8()).array();
+        QCOMPARE(array.size(), saves);
+        for (qsizetype i = 0; i < array.size(); ++i) {
+            QCOMPARE(array[i][QStringLiteral("program")].toString(), QStringLiteral("sablectl"));
+            for (const QJsonValue& row : array[i][QStringLiteral("rows")].toArray())
+                lines << QStringList {QString::number(i + 1), row[QStringLiteral("table")].toString(),
+                    row[QStringLiteral("action")].toString(), row[QStringLiteral("name")].toString(),
+                    row[QStringLiteral("loginId")].toString(),
+                    row[QStringLiteral("fields")].toVariant().toStringList().join(QStringLiteral(", "))}
+                             .join(u'|');
+        }
+    } else {
+        static const QRegularExpression header(
+            QStringLiteral("^\\d{4}-\\d\\d-\\d\\d \\S+  \\S*@\\S* \\(sablectl\\)  \\d+ rows$"));
+        int save = 0;
+        for (const QString& line : log.out.split(u'\n', Qt::SkipEmptyParts)) {
+            if (!line.startsWith(QLatin1String("    "))) {
+                QVERIFY2(header.match(line).hasMatch(), qPrintable(line));
+                ++save;
+                continue;
+            }
+            const QStringList f = line.trimmed().split(u'\t');
+            lines << QStringList {QString::number(save), f.value(0), f.value(1), f.value(2), f.value(3), f.value(5)}
+                         .join(u'|');
+        }
+        QCOMPARE(save, saves);
+    }
+    QCOMPARE(lines.isEmpty(), saves == 0);
+    if (saves == 0)
+        return;
+    // Newest first: the password and the rename, then the deleted user.
+    for (const char* expected : {"1|사용자|변경|김정훈 (jhkim)|jhkim|비밀번호", "1|부서|변경|재무회계팀||이름",
+             "2|사용자|삭제|강은서 (eskang)|eskang|"})
+        QVERIFY2(lines.contains(QString::fromUtf8(expected)), qPrintable(lines.join(u'\n')));
 }
 
 QTEST_GUILESS_MAIN(TestSablectl)

@@ -549,6 +549,62 @@ inline const QString kProblemDuplicateUser = QStringLiteral(
 inline const QString kProblemDuplicateLogin
     = QStringLiteral("- 아이디가 겹치는 사용자 %1명 (%2): 한쪽 아이디를 바꾸기 전에는 저장할 수 없습니다.");
 inline const QString kStepMerge = QStringLiteral("다른 곳의 저장과 합치기");
+// When a save happened, as restore points and the change journal show it (local time).
+inline const QString kSaveTimeFormat = QStringLiteral("yyyy-MM-dd HH:mm:ss");
+inline const QString kStepRestore = QStringLiteral("복원 지점 열기: %1");
+
+// Restore points and the change journal in the console
+inline const QString kCmdRestorePoints = QStringLiteral("복원 지점(&R)...");
+inline const QString kTipRestorePoints = QStringLiteral("복원 지점");
+inline const QString kPromptRestorePoints
+    = QStringLiteral("저장할 때마다 남긴 복원 지점을 보고, 골라서 그때의 조직도를 편집 화면에 엽니다.");
+inline const QString kRestoreTitle = QStringLiteral("복원 지점");
+inline const QString kRestoreIntro = QStringLiteral(
+    "저장할 때마다 저장하기 전의 조직도를 복원 지점으로 남깁니다 (%1). 하나를 골라 열면 그 조직도가 편집 화면에 "
+    "열리고, 저장해야 데이터베이스에 반영됩니다.");
+inline const QString kRestoreWhenColumn = QStringLiteral("저장한 때");
+inline const QString kRestoreWhoColumn = QStringLiteral("저장한 사람");
+inline const QString kRestoreProgramColumn = QStringLiteral("프로그램");
+inline const QString kRestoreChangesColumn = QStringLiteral("그 저장에서 바뀐 것");
+inline const QString kRestoreOpen = QStringLiteral("열기(&O)");
+inline const QString kRestoreReading = QStringLiteral("복원 지점을 읽는 중입니다...");
+inline const QString kRestoreOpening = QStringLiteral("%1을(를) 읽는 중입니다...");
+inline const QString kRestoreNone = QStringLiteral("복원 지점이 없습니다. 조직도를 한 번 저장하면 생깁니다.");
+inline const QString kRestoreCount = QStringLiteral("복원 지점 %1개");
+inline const QString kRestoreQuestion = QStringLiteral(
+    "%1에 저장하기 전의 조직도를 편집 화면에 엽니다.\n저장하지 않은 변경은 모두 이 조직도로 바뀝니다 (실행 취소로 "
+    "되돌릴 수 있습니다).\n계속하시겠습니까?");
+inline const QString kRestoreUnreadable = QStringLiteral("복원 지점을 열 수 없습니다.\n%1");
+inline const QString kRestoreOpened
+    = QStringLiteral("복원 지점의 조직도를 열었습니다. 바뀐 것을 확인한 뒤 저장하세요.\n%1");
+inline const QString kCmdJournal = QStringLiteral("변경 기록(&J)");
+inline const QString kTipJournal = QStringLiteral("변경 기록");
+inline const QString kPromptJournal = QStringLiteral("저장할 때마다 무엇이 바뀌었는지 봅니다.");
+inline const QString kCmdRefreshJournal = QStringLiteral("변경 기록 새로 고침(&R)");
+inline const QString kTipRefreshJournal = QStringLiteral("변경 기록 새로 고침 (F5)");
+inline const QString kPromptRefreshJournal = QStringLiteral("변경 기록을 데이터베이스에서 다시 읽습니다.");
+inline const QString kNavJournal = QStringLiteral("변경 기록");
+inline const QString kJournalFrom = QStringLiteral("기간(&P)");
+inline const QString kJournalTo = QStringLiteral("~");
+inline const QString kJournalUser = QStringLiteral("관리자(&A)");
+inline const QString kJournalDepartment = QStringLiteral("부서(&D)");
+inline const QString kJournalLogin = QStringLiteral("아이디(&I)");
+inline const QString kJournalWhenColumn = QStringLiteral("저장한 때");
+inline const QString kJournalWhoColumn = QStringLiteral("저장한 사람");
+inline const QString kJournalProgramColumn = QStringLiteral("프로그램");
+inline const QString kJournalSummaryColumn = QStringLiteral("바뀐 것");
+inline const QString kJournalTableColumn = QStringLiteral("구분");
+inline const QString kJournalActionColumn = QStringLiteral("변경");
+inline const QString kJournalNameColumn = QStringLiteral("이름");
+inline const QString kJournalLoginColumn = QStringLiteral("아이디");
+inline const QString kJournalDepartmentColumn = QStringLiteral("부서");
+inline const QString kJournalFieldsColumn = QStringLiteral("바뀐 항목");
+inline const QString kJournalSummaryPart = QStringLiteral("%1 %2 %3");
+inline const QString kJournalReading = QStringLiteral("변경 기록을 읽는 중입니다...");
+inline const QString kJournalCount = QStringLiteral("저장 %1번, 바뀐 행 %2개");
+inline const QString kJournalCut
+    = QStringLiteral("저장 %1번, 바뀐 행 %2개 (최근 %2개까지만 보입니다. 조건을 좁히세요)");
+inline const QString kJournalFailed = QStringLiteral("변경 기록을 읽을 수 없습니다: %1");
 inline const QString kChangeTableColumn = QStringLiteral("구분");
 inline const QString kChangeNameColumn = QStringLiteral("이름");
 inline const QString kChangeActionColumn = QStringLiteral("변경");

@@ -99,5 +99,6 @@ int printBytes(Context& context, const QByteArray& bytes);
 
 std::vector<Command> usersCommands();
 std::vector<Command> directoryCommands();
+std::vector<Command> historyCommands();
 
 } // namespace sable::ctl

@@ -13,7 +13,7 @@ std::vector<Command> allCommands()
 {
     std::vector<Command> all;
     for (auto part : {configCommands(), dbCommands(), chartCommands(), notifyCommands(), servicesCommands(),
-             usersCommands(), directoryCommands()})
+             usersCommands(), directoryCommands(), historyCommands()})
         all.insert(all.end(), part.begin(), part.end());
     return all;
 }

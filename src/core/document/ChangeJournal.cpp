@@ -107,6 +107,8 @@ std::optional<std::vector<JournalEntry>> read(DbConnection& connection, const Jo
     const auto anywhere = [](const QString& part) { return QString(u'%' + part + u'%'); };
     if (filter.since.isValid())
         where(QStringLiteral("j.SavedAt >= ?"), filter.since.toUTC().toString(Qt::ISODate));
+    if (filter.until.isValid())
+        where(QStringLiteral("j.SavedAt < ?"), filter.until.toUTC().toString(Qt::ISODate));
     if (!filter.user.isEmpty())
         where(QStringLiteral("LOWER(j.OsUser) LIKE ?"), anywhere(filter.user.toLower()));
     if (!filter.department.isEmpty())

@@ -40,6 +40,7 @@ struct JournalEntry
 struct JournalFilter
 {
     QDateTime since; // invalid: from the first save
+    QDateTime until; // saves before this time; invalid: up to the last save
     QString user; // part of the account name, without regard to case; empty: anyone
     QString department; // part of a department name
     QString loginId; // part of a login ID

@@ -215,5 +215,20 @@ QString summaryText(const ChartFingerprint::Summary& summary)
         + QStringLiteral("\n\n") + Msg::kSaveSummaryCheck;
 }
 
+QStringList summaryLines(const ChartFingerprint::Summary& summary)
+{
+    QStringList lines;
+    for (int t = 0; t < kChartTableCount; ++t) {
+        const ChartFingerprint::Counts& counts = summary[static_cast<size_t>(t)];
+        if (counts == ChartFingerprint::Counts {})
+            continue;
+        lines << Msg::kRestorePointChangeLine.arg(ChartNames::table(static_cast<ChartTable>(t)))
+                     .arg(counts.added)
+                     .arg(counts.changed + counts.moved)
+                     .arg(counts.removed);
+    }
+    return lines;
+}
+
 } // namespace ChartDiff
 } // namespace sable

@@ -72,6 +72,8 @@ std::vector<RowChange> between(const ChartFingerprint& before, const ChartTables
 
 // The counts of a summary as the save question shows them beside it.
 QString summaryText(const ChartFingerprint::Summary& summary);
+// The counts of a summary a line a table ("부서: 추가 1, 변경 0, 삭제 2"), tables without changes left out.
+QStringList summaryLines(const ChartFingerprint::Summary& summary);
 
 } // namespace ChartDiff
 } // namespace sable

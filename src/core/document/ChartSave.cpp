@@ -54,23 +54,6 @@ private:
     ChartSave::Written m_result;
 };
 
-// What a save changes, a line a table, for the restore point it leaves.
-QStringList changeLines(const ChartFingerprint& before, const ChartFingerprint& after)
-{
-    QStringList lines;
-    const ChartFingerprint::Summary summary = before.changesTo(after);
-    for (int t = 0; t < kChartTableCount; ++t) {
-        const ChartFingerprint::Counts& counts = summary[static_cast<size_t>(t)];
-        if (counts == ChartFingerprint::Counts {})
-            continue;
-        lines << Msg::kRestorePointChangeLine.arg(ChartNames::table(static_cast<ChartTable>(t)))
-                     .arg(counts.added)
-                     .arg(counts.changed + counts.moved)
-                     .arg(counts.removed);
-    }
-    return lines;
-}
-
 bool Writing::checkBeforeWriting()
 {
     QString problem;
@@ -89,8 +72,8 @@ bool Writing::keepRestorePoint(DbConnection& db, const ChartTables& theirs)
     std::optional<UserData> userData = ChartStore::readUserData(db, m_doc.deletedMembers());
     if (!userData)
         return false;
-    RestorePoint point {
-        m_savedAt, m_author, changeLines(ChartFingerprint::of(theirs), m_result.print), theirs, std::move(*userData)};
+    RestorePoint point {m_savedAt, m_author,
+        ChartDiff::summaryLines(ChartFingerprint::of(theirs).changesTo(m_result.print)), theirs, std::move(*userData)};
     QString problem;
     if (!m_points.write(point, &problem))
         return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));

@@ -5,7 +5,9 @@
 #include "document/CReadDBThread.h"
 #include "document/ChartDiff.h"
 #include "document/ChartMerge.h"
+#include "document/JournalView.h"
 #include "document/MergeEdits.h"
+#include "document/RestorePointDialog.h"
 #include "document/RestorePoints.h"
 #include "document/SaveConflictDialog.h"
 #include "filebox/CSableboxFolderFormView.h"
@@ -106,7 +108,8 @@ CMainFrame::CMainFrame(
     if (!m_layout.restoreWindow(*this))
         WindowLayout::applyFirstStartSize(*this);
     const int lastView = m_layout.lastView().value_or(Cmd::kStartPage);
-    switchToView(lastView >= Cmd::kStartPage && lastView <= Cmd::kUserPermissions ? lastView : Cmd::kStartPage);
+    const bool bView = (lastView >= Cmd::kStartPage && lastView <= Cmd::kUserPermissions) || lastView == Cmd::kJournal;
+    switchToView(bView ? lastView : Cmd::kStartPage);
     m_services->startRefreshing(5000);
 }
 
@@ -166,6 +169,8 @@ void CMainFrame::createNavigation()
     m_navigation->addItem(fileBox, Icons::navigation("folders"), Msg::kNavFolderPermissions, Cmd::kFolderPermissions);
     m_navigation->addItem(fileBox, Icons::navigation("users"), Msg::kNavUserPermissions, Cmd::kUserPermissions);
     m_navigation->addItem(fileBox, Icons::navigation("settings"), Msg::kNavFileBoxSettings, Cmd::kFileBoxSettings);
+    // Below the chart's editors; added last so that the items keep the numbers they always had.
+    m_navigation->addItem(chart, Icons::navigation("journal"), Msg::kNavJournal, Cmd::kJournal);
     m_navigation->openGroup(chart);
     connect(m_navigation, &NavigationBar::itemClicked, this, &CMainFrame::onNavigationItem);
 }
@@ -219,6 +224,9 @@ QWidget* CMainFrame::createView(int view)
         connect(page, &FileBoxPermissionView::selectionChanged, this, &CMainFrame::updateCommandStates);
         return page;
     }
+    case Cmd::kJournal:
+        // The journal is read on a thread of its own, with a connection of its own.
+        return new JournalView([this] { return ServerDatabase::connect(m_config, nullptr); }, m_pane);
     default:
         return nullptr;
     }
@@ -266,6 +274,11 @@ CMainFormView* CMainFrame::startPage() const
     return static_cast<CMainFormView*>(m_views.value(Cmd::kStartPage));
 }
 
+JournalView* CMainFrame::journalView() const
+{
+    return static_cast<JournalView*>(m_views.value(Cmd::kJournal));
+}
+
 FileBoxPermissionView* CMainFrame::fileBoxView() const
 {
     const bool bFileBox = m_currentView == Cmd::kFolderPermissions || m_currentView == Cmd::kUserPermissions;
@@ -306,6 +319,22 @@ void CMainFrame::syncDirectory()
     dialog.exec();
     if (!dialog.mailRecipients().isEmpty())
         showRegistrationMail(dialog.mailRecipients());
+}
+
+void CMainFrame::openRestorePoint()
+{
+    const RestorePoints points(
+        RestorePoints::defaultFolder(m_config.paths().programFolder), m_config.restorePointsKept());
+    RestorePointDialog dialog(points, m_prompter, this);
+    if (m_restorePointRunner)
+        m_restorePointRunner(dialog);
+    else
+        dialog.exec();
+    if (dialog.result() != QDialog::Accepted || !dialog.chosen())
+        return;
+    MergeEdits::applyRestore(m_doc, *dialog.chosen());
+    switchToView(Cmd::kChartEditor);
+    m_prompter.inform(this, Msg::kRestoreOpened.arg(ChartDiff::summaryLines(m_doc.unsavedChanges()).join(u'\n')));
 }
 
 void CMainFrame::moveSelection(bool bUp)
@@ -581,6 +610,9 @@ void CMainFrame::onSaveFinished(ChartSave::Outcome outcome)
     updateCommandStates();
     if (outcome == ChartSave::Outcome::Conflict)
         resolveConflict(m_saveRunner->takeConflict());
+    // A hidden journal view reads again when it is shown.
+    if (outcome == ChartSave::Outcome::Saved && journalView() && journalView()->isVisible())
+        journalView()->refresh();
     Q_EMIT saveFinished(outcome);
     if (std::exchange(m_bCloseAfterSave, false) && outcome == ChartSave::Outcome::Saved) {
         m_bClosing = true;

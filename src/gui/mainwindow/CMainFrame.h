@@ -32,8 +32,10 @@ class CProgressThread;
 class CReadDBThread;
 class DatabaseSettingsChange;
 class FileBoxPermissionView;
+class JournalView;
 class NavigationBar;
 class RegistrationMailDialog;
+class RestorePointDialog;
 class SaveRunner;
 class ServerServiceControl;
 class ServiceBackend;
@@ -66,6 +68,7 @@ public:
     COrganizeTemplateView* chartEditor() const;
     CPositionFormView* rankEditor() const;
     CMainFormView* startPage() const;
+    JournalView* journalView() const;
     // The file-box permission page that is shown (view 4 or 5), or nullptr.
     FileBoxPermissionView* fileBoxView() const;
     CProgressThread* progressWindow() const { return m_progress; }
@@ -73,6 +76,11 @@ public:
     bool isChartLoaded() const { return m_bChartLoaded; }
     bool balloonHelp() const { return m_settings.bBalloonHelp; }
     void setPrompter(Prompter prompter);
+    // Runs the restore-point dialog; a test drives it instead of a person (it returns when done).
+    void setRestorePointRunner(std::function<void(RestorePointDialog&)> runner)
+    {
+        m_restorePointRunner = std::move(runner);
+    }
     // How a save that met another writer's is settled; the dialog unless a test says otherwise.
     void setConflictResolver(std::function<SaveConflictDialog::Choice(ChartMerge&)> resolver)
     {
@@ -117,6 +125,8 @@ private:
     void importUsers();
     void exportUsers();
     void syncDirectory();
+    // Opens a restore point's chart in the editor as one step, after the dialog that picks it.
+    void openRestorePoint();
     void moveSelection(bool bUp);
     void showAbout();
     void openFileBoxSettings();
@@ -138,6 +148,7 @@ private:
     WindowLayout m_layout;
     Prompter m_prompter = Prompter::messageBoxes();
     std::function<SaveConflictDialog::Choice(ChartMerge&)> m_conflictResolver;
+    std::function<void(RestorePointDialog&)> m_restorePointRunner;
     CSableManagerDoc m_doc;
     std::unique_ptr<ServerServiceControl> m_services;
     NavigationBar* m_navigation = nullptr;

@@ -10,6 +10,8 @@ constexpr int kPreviousVersionData = 32817;
 constexpr int kImportUsers = 32804;
 constexpr int kExportUsers = 32826; // the member list as a file that the import reads back
 constexpr int kDirectorySync = 32860; // the chart kept from an LDAP or Active Directory server (32860-32869)
+// The chart as it was before an earlier save, opened in the editor to be saved again.
+constexpr int kRestorePoints = 32830;
 constexpr int kSave = 32781;
 constexpr int kExit = 57665;
 // 편집
@@ -33,6 +35,9 @@ constexpr int kFindUser = 32851; // the chart editor's search box (Ctrl+F)
 constexpr int kToolBar = 59392;
 constexpr int kStatusBar = 59393;
 constexpr int kBalloonHelp = 32808;
+// The change journal's view and its commands (32831-32839).
+constexpr int kShowJournal = 32831;
+constexpr int kRefreshJournal = 32832;
 // 서버관리
 constexpr int kStartServer = 32801;
 constexpr int kStopServer = 32802;
@@ -60,6 +65,7 @@ enum View
     kFolderPermissions = 4,
     kUserPermissions = 5,
     kFileBoxSettings = 6, // a dialog, not a view
+    kJournal = 7,
 };
 
 } // namespace sable::Cmd

@@ -3,6 +3,7 @@
 
 #include "Messages.h"
 #include "clientsettings/ClientSettingsCommands.h"
+#include "document/JournalView.h"
 #include "filebox/FileBoxPermissionView.h"
 #include "mainwindow/CMainFrame.h"
 #include "mainwindow/SaveRunner.h"
@@ -95,6 +96,13 @@ void CMainFrame::declareFileCommands()
         .statusTip = Msg::kPromptDirectorySync,
         .run = [this] { syncDirectory(); },
         .isEnabled = [this] { return m_bChartLoaded; }});
+    m_commands.add({.id = Cmd::kRestorePoints,
+        .menu = file,
+        .text = Msg::kCmdRestorePoints,
+        .toolTip = Msg::kTipRestorePoints,
+        .statusTip = Msg::kPromptRestorePoints,
+        .run = [this] { openRestorePoint(); },
+        .isEnabled = [this] { return m_bChartLoaded && !m_saveRunner->isRunning(); }});
     m_commands.add({.id = Cmd::kSave,
         .menu = file,
         .text = Msg::kCmdSave,
@@ -277,6 +285,22 @@ void CMainFrame::declareViewCommands()
         .statusTip = Msg::kPromptBalloonHelp,
         .run = [this] { toggleBalloonHelp(); },
         .isChecked = [this] { return m_settings.bBalloonHelp; }});
+    m_commands.add({.id = Cmd::kShowJournal,
+        .menu = view,
+        .text = Msg::kCmdJournal,
+        .toolTip = Msg::kTipJournal,
+        .statusTip = Msg::kPromptJournal,
+        .run = [this] { switchToView(Cmd::kJournal); },
+        .isChecked = [this] { return m_currentView == Cmd::kJournal; },
+        .bSeparatorBefore = true});
+    m_commands.add({.id = Cmd::kRefreshJournal,
+        .menu = view,
+        .text = Msg::kCmdRefreshJournal,
+        .shortcuts = {QKeySequence::Refresh},
+        .toolTip = Msg::kTipRefreshJournal,
+        .statusTip = Msg::kPromptRefreshJournal,
+        .views = {Cmd::kJournal},
+        .run = [this] { journalView()->refresh(); }});
 }
 
 void CMainFrame::declareServerCommands()

@@ -18,6 +18,8 @@ QString pageOfView(int view)
         return QStringLiteral("folder-permissions.html");
     case Cmd::kUserPermissions:
         return QStringLiteral("user-permissions.html");
+    case Cmd::kJournal:
+        return QStringLiteral("journal.html");
     case Cmd::kFileBoxSettings:
         return QStringLiteral("sablebox-settings.html");
     default:
