@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QSysInfo>
 #include <QTest>
 
 using namespace sable;
@@ -28,6 +29,8 @@ private Q_SLOTS:
     void iniWrite_data();
     void iniWrite();
     void iniUnreadableFileIsNeverReplaced();
+    void iniWriteAfterKilledWriter_data();
+    void iniWriteAfterKilledWriter();
 
     void registryKeyPathsIgnoreCase();
     void registryStringBuffer_data();
@@ -221,6 +224,27 @@ void TestSettingsStores::iniUnreadableFileIsNeverReplaced()
     QCOMPARE(ini.readString(QStringLiteral("S"), QStringLiteral("A"), QStringLiteral("d"), 10), QStringLiteral("d"));
     QVERIFY(!ini.writeString(QStringLiteral("S"), QStringLiteral("A"), QStringLiteral("1")));
     QVERIFY(QDir(m_home.path(QStringLiteral("folder.ini/inside"))).exists());
+}
+
+void TestSettingsStores::iniWriteAfterKilledWriter_data()
+{
+    QTest::addColumn<QByteArray>("lock");
+    // Killed between creating its lock file and writing its process number into it.
+    QTest::newRow("empty lock") << QByteArray();
+    QTest::newRow("lock of a process that is gone")
+        << "2147483646\nchartsaver\n" + QSysInfo::machineHostName().toUtf8() + "\n";
+}
+
+void TestSettingsStores::iniWriteAfterKilledWriter()
+{
+    QFETCH(QByteArray, lock);
+    const QString name = QStringLiteral("killed.ini");
+    m_home.writeFile(name, "[GroupInfo]\nVersion=0007\n");
+    m_home.writeFile(name + QStringLiteral(".lock"), lock);
+    const IniFile ini(m_home.path(name));
+    QVERIFY(ini.writeString(QStringLiteral("GroupInfo"), QStringLiteral("Version"), QStringLiteral("0008")));
+    QCOMPARE(m_home.readFile(name), QByteArray("[GroupInfo]\nVersion=0008\n"));
+    QVERIFY(!QFile::exists(m_home.path(name + QStringLiteral(".lock"))));
 }
 
 void TestSettingsStores::registryKeyPathsIgnoreCase()

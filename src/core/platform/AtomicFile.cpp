@@ -10,6 +10,12 @@ namespace sable::AtomicFile {
 namespace {
 
 constexpr int kLockTimeoutMs = 10000;
+// A writer killed between creating the lock file and writing its process number into it leaves a
+// lock that only its age shows to be stale, and Qt's default age (30 s) is longer than a writer
+// waits: the next save would fail. A writer holds the lock for milliseconds, and a live holder's
+// lock is never taken away for its age alone: it holds the file's native lock, which the removal
+// of a stale lock needs.
+constexpr int kStaleLockMs = 3000;
 
 } // namespace
 
@@ -29,6 +35,7 @@ bool update(const QString& path, const std::function<std::optional<QByteArray>(c
     if (!QDir().mkpath(info.absolutePath()))
         return false;
     QLockFile lock(path + QStringLiteral(".lock"));
+    lock.setStaleLockTime(kStaleLockMs);
     if (!lock.tryLock(kLockTimeoutMs))
         return false;
     const Contents current = read(path);
