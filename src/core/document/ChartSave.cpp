@@ -37,6 +37,7 @@ public:
 private:
     bool checkBeforeWriting();
     bool writeInTransaction(DbConnection& db);
+    void raiseVersion();
     bool keepRestorePoint(DbConnection& db, const ChartTables& theirs);
     bool refuse(const QString& why)
     {
@@ -76,8 +77,8 @@ bool Writing::checkBeforeWriting()
     QString problem;
     if (!m_with.restoreFolder.isEmpty() && !m_points.prepare(&problem))
         return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
-    // The version is raised inside the transaction; a settings file that cannot take it (a lock
-    // held, a folder in its place, a full disk) must stop the save before the transaction begins.
+    // The version is raised after the commit; a settings file that cannot take it (a lock held, a
+    // folder in its place, a full disk) must stop the save before the transaction begins.
     const QString version = m_settings.readString(Keys::kGroupInfo, Keys::kVersion, QString(), 32);
     if (!m_settings.writeString(Keys::kGroupInfo, Keys::kVersion, version.isEmpty() ? QStringLiteral("0000") : version))
         return refuse(Msg::kSaveSettingsNotWritable.arg(m_settings.path()));
@@ -114,14 +115,21 @@ bool Writing::writeInTransaction(DbConnection& db)
         = ChartDiff::between(ChartFingerprint::of(*theirs), m_mine, ChartNames(m_mine, *theirs));
     if (!ChangeJournal::record(db, m_savedAt, m_author, changes))
         return false;
-    if (!ChartSave::writeTables(db, m_doc, m_mine))
+    if (!ChartSave::writeTables(db, m_doc, m_mine) || !db.commitTrans())
         return false;
-    // The version is raised before the commit, so a commit that fails leaves it raised.
+    raiseVersion();
+    return true;
+}
+
+void Writing::raiseVersion()
+{
+    // Only once the tables hold the new chart: a version ahead of the database sends the server's
+    // clients for a chart that is not there (and a save killed before its commit must not leave one).
+    // Killed between the commit and this write, the version stays behind until the next save.
     const int version = ChartSave::nextVersion(m_settings.readInt(Keys::kGroupInfo, Keys::kVersion, 0));
     if (!m_settings.writeString(
             Keys::kGroupInfo, Keys::kVersion, QStringLiteral("%1").arg(version, 4, 10, QLatin1Char('0'))))
-        return refuse(Msg::kSaveSettingsNotWritable.arg(m_settings.path()));
-    return db.commitTrans();
+        m_result.versionProblem = Msg::kSaveVersionNotRaised.arg(m_settings.path());
 }
 
 ChartSave::Written Writing::run()
@@ -258,6 +266,8 @@ ChartSave::Outcome ChartSave::finish(CSableManagerDoc& doc, const Collaborators&
         return written.refusal.isEmpty() ? Outcome::DatabaseFailed : Outcome::Refused;
     }
     doc.markSaved(written.print);
+    if (!written.versionProblem.isEmpty() && with.showBalloon)
+        with.showBalloon(Balloon::error(written.versionProblem));
     if (with.requestStartAll)
         with.requestStartAll();
     const bool sent = with.sendChartChangedNotice
