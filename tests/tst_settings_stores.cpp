@@ -38,6 +38,8 @@ private Q_SLOTS:
     void registryValueTypes();
     void registryFileFormat();
     void registryKeepsBrokenLines();
+    void registryWritesAfterCutContinuation_data();
+    void registryWritesAfterCutContinuation();
     void registryReadsWindowsExport();
     void registryUnreadableFile();
     void registryTwoWritersAtOnce();
@@ -343,6 +345,30 @@ void TestSettingsStores::registryKeepsBrokenLines()
     QVERIFY(key->writeDword(QStringLiteral("ServerType"), 1));
     QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")),
         QByteArray(broken).replace("SM40", "SM41").replace("dword:zz", "dword:00000001"));
+}
+
+void TestSettingsStores::registryWritesAfterCutContinuation_data()
+{
+    // A value whose last line asks to go on, cut there (at the end of the file or of its key): a
+    // value added after it must not become part of it.
+    QTest::addColumn<QByteArray>("tail");
+    QTest::newRow("end of the file") << QByteArray();
+    QTest::newRow("end of the key") << QByteArray("\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Other]\r\n\"A\"=\"1\"\r\n");
+}
+
+void TestSettingsStores::registryWritesAfterCutContinuation()
+{
+    QFETCH(QByteArray, tail);
+    TempHome home;
+    const QByteArray cut = "Windows Registry Editor Version 5.00\r\n\r\n"
+                           "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\SableManager]\r\n"
+                           "\"Long\"=hex(1):41,00,\\\r\n";
+    home.writeFile(QStringLiteral("registry/HKLM.reg"), cut + tail);
+    const auto key = home.registry().openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("MajorVersion"), QStringLiteral("SM41")));
+    QCOMPARE(key->readString(QStringLiteral("MajorVersion"), 128), std::optional<QString>(QStringLiteral("SM41")));
+    QVERIFY(home.readFile(QStringLiteral("registry/HKLM.reg")).startsWith(cut));
 }
 
 void TestSettingsStores::registryReadsWindowsExport()
