@@ -157,6 +157,16 @@ void report(QTextStream& out, const char* what, double ours, double reference, q
     out.flush();
 }
 
+bool saved(QTextStream& out, const char* where, ChartSave::Outcome outcome)
+{
+    if (outcome == ChartSave::Outcome::Saved)
+        return true;
+    static const char* const names[] = {"saved", "declined", "refused", "database failed", "conflict"};
+    out << where << ": the save did not write (" << names[static_cast<int>(outcome)]
+        << "): " << DbConnection::lastError() << Qt::endl;
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -190,10 +200,15 @@ int main(int argc, char** argv)
     with.connect = connector(sqliteConnectionString(oursFile));
     with.sendChartChangedNotice = [] { return true; };
     // The first save fills empty tables like the reference; the second replaces every row, as saves do.
-    const double firstSave = timeIt([&] { ChartSave::run(doc, settings, with); });
+    // A save that did not write measured nothing: its figure would be a lie.
+    ChartSave::Outcome first = ChartSave::Outcome::Saved;
+    ChartSave::Outcome second = ChartSave::Outcome::Saved;
+    const double firstSave = timeIt([&] { first = ChartSave::run(doc, settings, with); });
     resetPeakMemory();
-    const double save = timeIt([&] { doc.setModified(true), ChartSave::run(doc, settings, with); });
+    const double save = timeIt([&] { doc.setModified(true), second = ChartSave::run(doc, settings, with); });
     const double saveMemory = peakMemoryMiB();
+    if (!saved(out, "SQLite", first) || !saved(out, "SQLite", second))
+        return 1;
 
     NoProgress progress;
     const std::atomic<int> bContinue {1};
@@ -214,10 +229,18 @@ int main(int argc, char** argv)
     report(out, "load", load, referenceLoad, rows, loadMemory);
 
     if (!pg.isEmpty()) {
-        createTables(pg);
+        if (!createTables(pg)) {
+            out << "postgresql: the database cannot be reached or set up: " << DbConnection::lastError() << Qt::endl;
+            return 1;
+        }
         with.connect = connector(pg);
-        const double pgFirst = timeIt([&] { ChartSave::run(doc, settings, with); });
-        const double pgSave = timeIt([&] { ChartSave::run(doc, settings, with); });
+        // The document's base is what it saved into SQLite; compared with the empty PostgreSQL tables
+        // that is someone else's save, and a conflict writes nothing.
+        with.bReplace = true;
+        const double pgFirst = timeIt([&] { doc.setModified(true), first = ChartSave::run(doc, settings, with); });
+        const double pgSave = timeIt([&] { doc.setModified(true), second = ChartSave::run(doc, settings, with); });
+        if (!saved(out, "postgresql", first) || !saved(out, "postgresql", second))
+            return 1;
         out << QStringLiteral("postgresql     save (empty) %1 s, save (replace) %2 s (%3 rows/s)\n")
                    .arg(pgFirst, 0, 'f', 3)
                    .arg(pgSave, 0, 'f', 3)

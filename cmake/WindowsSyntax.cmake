@@ -20,8 +20,35 @@ function(_sable_regex_escape text out)
     set(${out} "${escaped}" PARENT_SCOPE)
 endfunction()
 
+# Writes the lists of one target for syntax-check.sh: <target>.sources with `files` and
+# <target>.args with `content` (the compiler's arguments, one a line in single quotes, generator
+# expressions allowed). A file with definitions of its own gets lists of its own,
+# <target>@<file name>.*, with those definitions added to the arguments.
+function(_sable_write_syntax_lists out target files content)
+    set(plain "")
+    foreach(file IN LISTS files)
+        get_source_file_property(own_defs ${file} TARGET_DIRECTORY ${target} COMPILE_DEFINITIONS)
+        if(NOT own_defs)
+            list(APPEND plain ${file})
+            continue()
+        endif()
+        cmake_path(GET file FILENAME name)
+        list(TRANSFORM own_defs PREPEND "'-D")
+        list(TRANSFORM own_defs APPEND "'")
+        list(JOIN own_defs "\n" own_defs)
+        file(WRITE ${out}/${target}@${name}.sources "${file}\n")
+        file(GENERATE OUTPUT ${out}/${target}@${name}.args CONTENT "${content}${own_defs}\n" TARGET ${target})
+    endforeach()
+    if(plain)
+        list(JOIN plain "\n" plain)
+        file(WRITE ${out}/${target}.sources "${plain}\n")
+        file(GENERATE OUTPUT ${out}/${target}.args CONTENT "${content}" TARGET ${target})
+    endif()
+endfunction()
+
 # Writes, for each library and program, <target>.args (the compiler's arguments, one a line, for
-# gcc's @file) and <target>.sources (its .cpp files as Windows selects them). Run once every folder
+# gcc's @file) and <target>.sources (its .cpp files as Windows selects them; see
+# _sable_write_syntax_lists). Run once every folder
 # has added its sources.
 function(sable_write_windows_syntax_lists)
     set(out ${SABLE_WINDOWS_SYNTAX_DIR})
@@ -98,8 +125,6 @@ function(sable_write_windows_syntax_lists)
             continue()
         endif()
         list(REMOVE_DUPLICATES files)
-        list(JOIN files "\n" files)
-        file(WRITE ${out}/${target}.sources "${files}\n")
 
         # The target's own definitions and include folders, with everything of this system left out:
         # the embedded-database shortcut, and include folders other than the project's and Qt's.
@@ -117,7 +142,7 @@ function(sable_write_windows_syntax_lists)
                               "$<$<BOOL:${own}>:'-I$<JOIN:${own},'\n'-I>'\n>"
                               "$<$<BOOL:${qt}>:'-isystem'\n'$<JOIN:${qt},'\n'-isystem'\n'>'\n>"
                               "'-isystem'\n'${mkspec}'\n'-isystem'\n'${third_party}'\n")
-        file(GENERATE OUTPUT ${out}/${target}.args CONTENT "${content}" TARGET ${target})
+        _sable_write_syntax_lists(${out} ${target} "${files}" "${content}")
     endforeach()
 endfunction()
 

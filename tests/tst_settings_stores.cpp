@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSysInfo>
 #include <QTest>
 #include <QThread>
 
@@ -35,6 +36,8 @@ private Q_SLOTS:
     void iniWrite_data();
     void iniWrite();
     void iniUnreadableFileIsNeverReplaced();
+    void iniWriteAfterKilledWriter_data();
+    void iniWriteAfterKilledWriter();
 
     void registryKeyPathsIgnoreCase();
     void registryStringBuffer_data();
@@ -42,6 +45,8 @@ private Q_SLOTS:
     void registryValueTypes();
     void registryFileFormat();
     void registryKeepsBrokenLines();
+    void registryWritesAfterCutContinuation_data();
+    void registryWritesAfterCutContinuation();
     void registryReadsWindowsExport();
     void registryUnreadableFile();
     void registryTwoWritersAtOnce();
@@ -237,6 +242,26 @@ void TestSettingsStores::iniUnreadableFileIsNeverReplaced()
     QVERIFY(QDir(m_home.path(QStringLiteral("folder.ini/inside"))).exists());
 }
 
+void TestSettingsStores::iniWriteAfterKilledWriter_data()
+{
+    QTest::addColumn<QByteArray>("lock");
+    // Whatever a killed writer left in the lock file, the lock died with it.
+    QTest::newRow("empty lock") << QByteArray();
+    QTest::newRow("lock of a process that is gone")
+        << "2147483646\nchartsaver\n" + QSysInfo::machineHostName().toUtf8() + "\n";
+}
+
+void TestSettingsStores::iniWriteAfterKilledWriter()
+{
+    QFETCH(QByteArray, lock);
+    const QString name = QStringLiteral("killed.ini");
+    m_home.writeFile(name, "[GroupInfo]\nVersion=0007\n");
+    m_home.writeFile(name + QStringLiteral(".lock"), lock);
+    const IniFile ini(m_home.path(name));
+    QVERIFY(ini.writeString(QStringLiteral("GroupInfo"), QStringLiteral("Version"), QStringLiteral("0008")));
+    QCOMPARE(m_home.readFile(name), QByteArray("[GroupInfo]\nVersion=0008\n"));
+}
+
 void TestSettingsStores::registryKeyPathsIgnoreCase()
 {
     const Registry registry = m_home.registry();
@@ -333,6 +358,30 @@ void TestSettingsStores::registryKeepsBrokenLines()
     QVERIFY(key->writeDword(QStringLiteral("ServerType"), 1));
     QCOMPARE(home.readFile(QStringLiteral("registry/HKLM.reg")),
         QByteArray(broken).replace("SM40", "SM41").replace("dword:zz", "dword:00000001"));
+}
+
+void TestSettingsStores::registryWritesAfterCutContinuation_data()
+{
+    // A value whose last line asks to go on, cut there (at the end of the file or of its key): a
+    // value added after it must not become part of it.
+    QTest::addColumn<QByteArray>("tail");
+    QTest::newRow("end of the file") << QByteArray();
+    QTest::newRow("end of the key") << QByteArray("\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Other]\r\n\"A\"=\"1\"\r\n");
+}
+
+void TestSettingsStores::registryWritesAfterCutContinuation()
+{
+    QFETCH(QByteArray, tail);
+    TempHome home;
+    const QByteArray cut = "Windows Registry Editor Version 5.00\r\n\r\n"
+                           "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvex\\SableManager]\r\n"
+                           "\"Long\"=hex(1):41,00,\\\r\n";
+    home.writeFile(QStringLiteral("registry/HKLM.reg"), cut + tail);
+    const auto key = home.registry().openKey(RegRoot::LocalMachine, QStringLiteral("SOFTWARE\\Halvex\\SableManager"));
+    QVERIFY(key);
+    QVERIFY(key->writeString(QStringLiteral("MajorVersion"), QStringLiteral("SM41")));
+    QCOMPARE(key->readString(QStringLiteral("MajorVersion"), 128), std::optional<QString>(QStringLiteral("SM41")));
+    QVERIFY(home.readFile(QStringLiteral("registry/HKLM.reg")).startsWith(cut));
 }
 
 void TestSettingsStores::registryReadsWindowsExport()

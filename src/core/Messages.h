@@ -654,6 +654,9 @@ inline const QString kSaveRestoreFolderFailed = QStringLiteral(
 inline const QString kSaveSettingsNotWritable
     = QStringLiteral("설정 파일에 쓸 수 없어 저장하지 않았습니다.\n%1\n파일이 잠겨 있거나, 그 자리에 폴더가 있거나, "
                      "디스크가 가득 찼는지 확인하세요.");
+inline const QString kSaveVersionNotRaised
+    = QStringLiteral("조직도는 저장했지만 설정 파일의 조직도 버전을 올리지 못했습니다.\n%1\n서버가 바뀐 조직도를 "
+                     "다음 저장 때에야 알 수 있습니다.");
 inline const QString kSaveJournalFailed = QStringLiteral("변경 기록 테이블을 만들 수 없어 저장하지 않았습니다.\n%1");
 inline const QString kSaveDuplicateLoginId = QStringLiteral(
     "아이디 \"%1\"을(를) 쓰는 사용자가 둘 이상 있어 저장할 수 없습니다. 한 사용자의 아이디를 바꾸세요.");

@@ -12,6 +12,7 @@
 #include "orgchart/RankStore.h"
 #include "platform/ChangeNotice.h"
 #include "platform/IniFile.h"
+#include "platform/LeadingNumber.h"
 
 namespace sable {
 namespace {
@@ -37,6 +38,7 @@ public:
 private:
     bool checkBeforeWriting();
     bool writeInTransaction(DbConnection& db);
+    void raiseVersion();
     bool keepRestorePoint(DbConnection& db, const ChartTables& theirs);
     bool refuse(const QString& why)
     {
@@ -59,9 +61,9 @@ bool Writing::checkBeforeWriting()
     QString problem;
     if (!m_with.restoreFolder.isEmpty() && !m_points.prepare(&problem))
         return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
-    // The version is raised inside the transaction; a settings file that cannot take it (a lock
-    // held, a folder in its place, a full disk) must stop the save before the transaction begins.
-    // Another save may raise the version meanwhile: the check never writes a value of its own over it.
+    // The version is raised after the commit; a settings file that cannot take it (a lock held, a
+    // folder in its place, a full disk) must stop the save before the transaction begins. Another
+    // save may raise the version meanwhile: the check never writes a value of its own over it.
     if (!m_settings.writeDefault(Keys::kGroupInfo, Keys::kVersion, QStringLiteral("0000")))
         return refuse(Msg::kSaveSettingsNotWritable.arg(m_settings.path()));
     return true;
@@ -97,14 +99,24 @@ bool Writing::writeInTransaction(DbConnection& db)
         = ChartDiff::between(ChartFingerprint::of(*theirs), m_mine, ChartNames(m_mine, *theirs));
     if (!ChangeJournal::record(db, m_savedAt, m_author, changes))
         return false;
-    if (!ChartSave::writeTables(db, m_doc, m_mine))
+    if (!ChartSave::writeTables(db, m_doc, m_mine) || !db.commitTrans())
         return false;
-    // The version is raised before the commit, so a commit that fails leaves it raised.
-    const int version = ChartSave::nextVersion(m_settings.readInt(Keys::kGroupInfo, Keys::kVersion, 0));
-    if (!m_settings.writeString(
-            Keys::kGroupInfo, Keys::kVersion, QStringLiteral("%1").arg(version, 4, 10, QLatin1Char('0'))))
-        return refuse(Msg::kSaveSettingsNotWritable.arg(m_settings.path()));
-    return db.commitTrans();
+    raiseVersion();
+    return true;
+}
+
+void Writing::raiseVersion()
+{
+    // Only once the tables hold the new chart: a version ahead of the database sends the server's
+    // clients for a chart that is not there (and a save killed before its commit must not leave one).
+    // Killed between the commit and this write, the version stays behind until the next save.
+    const bool bRaised
+        = m_settings.updateString(Keys::kGroupInfo, Keys::kVersion, [](const std::optional<QString>& current) {
+              const int value = current && !current->isEmpty() ? LeadingNumber::profileValue(*current) : 0;
+              return QStringLiteral("%1").arg(ChartSave::nextVersion(value), 4, 10, QLatin1Char('0'));
+          });
+    if (!bRaised)
+        m_result.versionProblem = Msg::kSaveVersionNotRaised.arg(m_settings.path());
 }
 
 ChartSave::Written Writing::run()
@@ -241,6 +253,8 @@ ChartSave::Outcome ChartSave::finish(CSableManagerDoc& doc, const Collaborators&
         return written.refusal.isEmpty() ? Outcome::DatabaseFailed : Outcome::Refused;
     }
     doc.markSaved(written.print);
+    if (!written.versionProblem.isEmpty() && with.showBalloon)
+        with.showBalloon(Balloon::error(written.versionProblem));
     if (with.requestStartAll)
         with.requestStartAll();
     const bool sent = with.sendChartChangedNotice

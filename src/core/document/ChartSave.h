@@ -62,11 +62,12 @@ public:
     {
         bool bWritten = false;
         QString refusal; // nothing was written because of this (a folder or a file that cannot be written)
+        QString versionProblem; // written, but the chart version in the settings file could not be raised
         std::shared_ptr<const ChartTables> theirs; // the tables as someone else left them: merge with these
         ChartFingerprint print; // the tables as written
     };
 
-    // Runs the whole sequence on `doc`, raising [GroupInfo] Version in `settings`. On a conflict,
+    // Runs the whole sequence on `doc`, raising [GroupInfo] Version in `settings` once committed. On a conflict,
     // `conflict` (when given) receives what the database holds now.
     static Outcome run(CSableManagerDoc& doc, const IniFile& settings, const Collaborators& with,
         std::shared_ptr<const ChartTables>* conflict = nullptr);

@@ -725,7 +725,9 @@ std::vector<MemberRecord> OrgChart::takeMembers(const std::vector<int>& rows)
         // From the last range to the first, so that the earlier rows keep their numbers meanwhile.
         size_t next = rows.size();
         for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
-            const auto [first, last] = *range;
+            // Plain variables, not a structured binding: clang 14 does not let the notices' lambdas capture one.
+            const int first = range->first;
+            const int last = range->second;
             notify([&](OrgChartListener& l) { l.membersAboutToBeRemoved(first, last); });
             for (int row = last; row >= first; --row)
                 taken[--next] = std::move(m_members[static_cast<size_t>(row)]);
@@ -762,7 +764,9 @@ void OrgChart::insertMembers(const std::vector<int>& rows, std::vector<MemberRec
         notify([&rows](OrgChartListener& l) { l.membersInsertedAt(rows); });
     } else {
         size_t next = 0;
-        for (const auto& [first, last] : ranges) {
+        for (const std::pair<int, int>& range : ranges) {
+            const int first = range.first;
+            const int last = range.second;
             notify([&](OrgChartListener& l) { l.membersAboutToBeInserted(first, last); });
             const auto from = members.begin() + static_cast<long>(next);
             m_members.insert(m_members.begin() + first, std::make_move_iterator(from),

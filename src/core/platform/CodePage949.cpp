@@ -14,9 +14,9 @@
 namespace sable::CodePage949 {
 namespace {
 
-constexpr unsigned kKoreanCodePage = 949;
-
 #ifdef Q_OS_WIN
+
+constexpr unsigned kKoreanCodePage = 949;
 
 bool encodesAsDoubleByte(char16_t unit)
 {

@@ -48,13 +48,8 @@ const IniSyntax& iniSyntax()
     return syntax;
 }
 
-std::optional<QString> lookUp(const QString& path, const QString& section, const QString& key)
+std::optional<QString> valueOf(const SectionedText& text, const QString& section, const QString& key)
 {
-    const AtomicFile::Contents contents = AtomicFile::read(path);
-    if (contents.status != AtomicFile::ReadStatus::Ok)
-        return std::nullopt;
-    SectionedText text(iniSyntax(), kNativeEol);
-    text.parse(contents.bytes);
     const std::optional<QByteArray> line = text.entryText(section, key);
     if (!line)
         return std::nullopt;
@@ -62,6 +57,16 @@ std::optional<QString> lookUp(const QString& path, const QString& section, const
     if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front())
         value = value.sliced(1, value.size() - 2);
     return QString::fromUtf8(value);
+}
+
+std::optional<QString> lookUp(const QString& path, const QString& section, const QString& key)
+{
+    const AtomicFile::Contents contents = AtomicFile::read(path);
+    if (contents.status != AtomicFile::ReadStatus::Ok)
+        return std::nullopt;
+    SectionedText text(iniSyntax(), kNativeEol);
+    text.parse(contents.bytes);
+    return valueOf(text, section, key);
 }
 
 } // namespace
@@ -97,6 +102,21 @@ bool IniFile::writeDefault(const QString& section, const QString& key, const QSt
         text.parse(current.bytes);
         if (!text.entryText(section, key))
             text.setEntry(section, '[' + section.toUtf8() + ']', key, key.toUtf8() + '=' + value.toUtf8());
+        return text.serialize();
+    });
+}
+
+bool IniFile::updateString(const QString& section, const QString& key,
+    const std::function<QString(const std::optional<QString>& current)>& next) const
+{
+    return AtomicFile::update(m_path, [&](const AtomicFile::Contents& current) -> std::optional<QByteArray> {
+        SectionedText text(iniSyntax(), kNativeEol);
+        text.parse(current.bytes);
+        const QByteArray value = next(valueOf(text, section, key)).toUtf8();
+        QByteArray keyText = key.toUtf8();
+        if (const auto existing = text.entryText(section, key))
+            keyText = existing->first(existing->indexOf('=')).trimmed();
+        text.setEntry(section, '[' + section.toUtf8() + ']', key, keyText + '=' + value);
         return text.serialize();
     });
 }

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
+#include <optional>
 #include <utility>
 
 namespace sable {
@@ -33,6 +35,10 @@ public:
     // what it holds, all under the file's lock: true proves the file can be written, and a value
     // another program wrote meanwhile is never put back to an older one.
     bool writeDefault(const QString& section, const QString& key, const QString& value) const;
+    // Replaces the value with what `next` makes of the current one (nullopt when the key has none),
+    // read and written under the file's lock, so that two programs raising a counter both count.
+    bool updateString(const QString& section, const QString& key,
+        const std::function<QString(const std::optional<QString>& current)>& next) const;
     // Writes keys that belong together in one replacement of the file: a reader, or a writer killed
     // halfway, sees all of them or none.
     bool writeStrings(const QString& section, const QList<std::pair<QString, QString>>& values) const;

@@ -136,7 +136,12 @@ void SectionedText::setEntry(
             after = i;
         }
     }
-    insertLines(after + 1, {line});
+    // An entry whose last line asks to go on (a file cut inside a continued value) would take the new
+    // line in as its own: a blank line ends it first, and leaves its text as it was.
+    if (m_syntax.continues(m_lines[static_cast<size_t>(after)].text))
+        insertLines(after + 1, {QByteArray(), line});
+    else
+        insertLines(after + 1, {line});
 }
 
 void SectionedText::addSection(const QByteArray& sectionHeader)

@@ -435,8 +435,11 @@ void COrganizeFormView::buildTreeMenu(QMenu& menu, OrgNode* node)
     const std::pair<QString, ChartEdits::Move> moves[]
         = {{Msg::kMenuMoveToTop, ChartEdits::Move::ToTop}, {Msg::kMenuMoveUp, ChartEdits::Move::Up},
             {Msg::kMenuMoveDown, ChartEdits::Move::Down}, {Msg::kMenuMoveToBottom, ChartEdits::Move::ToBottom}};
-    for (const auto& [text, how] : moves)
-        menu.addAction(text, this, onNode([this, how](OrgNode* n) { return m_edits.move(n, how); }))->setEnabled(node);
+    for (const auto& [text, how] : moves) {
+        const ChartEdits::Move direction = how; // a structured binding cannot be captured everywhere yet
+        menu.addAction(text, this, onNode([this, direction](OrgNode* n) { return m_edits.move(n, direction); }))
+            ->setEnabled(node);
+    }
     if (node && node->isMember()) {
         menu.addSeparator();
         addRankSubmenu(menu, node);
