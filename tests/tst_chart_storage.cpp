@@ -4,6 +4,7 @@
 #include "ChartText.h"
 #include "TestSupport.h"
 #include "document/CSableManagerDoc.h"
+#include "document/ChartImport.h"
 #include "document/ChartJson.h"
 #include "document/ChartReader.h"
 #include "document/ChartSave.h"
@@ -12,6 +13,8 @@
 #include "platform/ChangeNotice.h"
 #include "platform/IniFile.h"
 
+#include <QBuffer>
+#include <QJsonDocument>
 #include <QNetworkDatagram>
 #include <QTest>
 #include <QUdpSocket>
@@ -127,6 +130,10 @@ private Q_SLOTS:
     void stopDuringLoad();
     void loadFailures();
     void saveChecksAndServices();
+    void importNeedsStoredIdentifiers_data();
+    void importNeedsStoredIdentifiers();
+    void streamedFileReadsAsWhole_data();
+    void streamedFileReadsAsWhole();
 
 private:
     ChartSave::Collaborators saveWith(const QString& connectionString, QStringList* calls = nullptr);
@@ -524,6 +531,93 @@ void TestChartStorage::saveChecksAndServices()
     calls.clear();
     QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Saved);
     QCOMPARE(calls.mid(1), (QStringList {"running?", "stop file box", "start all", "restart all"}));
+}
+
+void TestChartStorage::importNeedsStoredIdentifiers_data()
+{
+    QTest::addColumn<QStringList>("damage");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("table missing") << QStringList {"DROP TABLE SD_Group"} << "SD_Group";
+    // The statement starts and gives a row, then fails: the rows so far are not all there are.
+    QTest::newRow("reading stops half-way") << QStringList {"DROP TABLE SD_Member",
+        "CREATE VIEW SD_Member AS SELECT 7 AS K_MemberID UNION ALL SELECT abs(-9223372036854775807 - 1)"}
+                                            << "integer overflow";
+}
+
+void TestChartStorage::importNeedsStoredIdentifiers()
+{
+    QFETCH(QStringList, damage);
+    QFETCH(QString, error);
+    const QString connection = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    QVERIFY(!connection.isEmpty());
+    QVERIFY(run(connection, {member(7), member(8), group(999, QStringLiteral("top"), -1, 1, 0)}));
+    CSableManagerDoc demo;
+    demo.adopt(DemoOrganisation::contents());
+
+    // The file keeps member 8 only: member 7 and department 999 are to be deleted.
+    ChartTables file = demo.tables();
+    file.members.resize(1);
+    file.members[0].K_MemberID = 8;
+    DbConnection db;
+    QVERIFY(db.open(connection));
+    CSableManagerDoc doc;
+    QVERIFY(ChartImport::replaceChart(db, doc, ChartTables(file)));
+    QCOMPARE(doc.deletedMembers(), QList<int> {7});
+    QCOMPARE(doc.deletedGroups(), QList<int> {999});
+    QVERIFY(doc.isModified());
+
+    QVERIFY(run(connection, damage));
+    CSableManagerDoc untouched;
+    QVERIFY(!ChartImport::replaceChart(db, untouched, ChartTables(file)));
+    QVERIFY2(DbConnection::lastError().contains(error), qPrintable(DbConnection::lastError()));
+    QCOMPARE(untouched.chart().memberCount(), 0);
+    QVERIFY(untouched.deletedMembers().isEmpty() && untouched.deletedGroups().isEmpty());
+    QVERIFY(!untouched.isModified());
+}
+
+void TestChartStorage::streamedFileReadsAsWhole_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    const QByteArray empty = "\"ranks\": [], \"folders\": [], \"groupAuthorities\": [], \"userAuthorities\": []";
+    QTest::newRow("braces, brackets and escapes inside texts")
+        << QByteArray("{\"groups\": [{\"K_GroupID\": 1, \"GroupName\": \"a}]\\\" \\\\\\\"{[\", \"K_GroupID_P\": -1, "
+                      "\"Position\": 1, \"Depth\": 0}], \"members\": [], \"relations\": [], \"ranks\": [{\"K_RankID\": "
+                      "2, \"RankName\": \"\\ud55c\\u0041\\n\\t\"}], \"folders\": [], \"groupAuthorities\": [], "
+                      "\"userAuthorities\": []}");
+    QTest::newRow("other order, unknown keys, no blanks")
+        << QByteArray("{\"x\":{\"y\":[1,{\"z\":\"]\"}]},\"relations\":[],\"ranks\":[],\"members\":[],\"v\":null,"
+                      "\"groups\":[],\"folders\":[],\"groupAuthorities\":[],\"userAuthorities\":[],\"directoryLinks\":"
+                      "[{\"K_MemberID\":3,\"EntryID\":\"e\",\"EntryDN\":\"cn=a\\\\,b\"}]}");
+    // Many rows of long texts: the reader's buffer is refilled and cut many times.
+    QByteArray many = "{\n\"groups\": [],\n\"members\": [\n";
+    for (int i = 1; i <= 3000; ++i) {
+        many += QStringLiteral(
+            "%1{\"K_MemberID\": %2, \"MemberID\": \"u%2\", \"MemberName\": \"이름 %2\", \"Passwd\": "
+            "\"p\", \"Gender\": 1, \"bPublic\": 1, \"Email\": \"\", \"HP\": \"\", \"Address\": \"%3\","
+            " \"HomePhone\": \"\", \"OfficePhone\": \"\", \"BirthDay\": \"\", \"Description\": "
+            "\"}\\\"\", \"bSolar\": 1, \"bAdmin\": 0}\r\n")
+                    .arg(i == 1 ? QString() : QStringLiteral(","))
+                    .arg(i)
+                    .arg(QString(i % 400, u'주'))
+                    .toUtf8();
+    }
+    QTest::newRow("more than the reader's buffer") << many + "],\n\"relations\": [], " + empty + "}\n";
+}
+
+void TestChartStorage::streamedFileReadsAsWhole()
+{
+    QFETCH(QByteArray, json);
+    QBuffer file(&json);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QString streamError;
+    const std::optional<ChartTables> streamed = ChartJson::readFile(file, &streamError);
+    QVERIFY2(streamed, qPrintable(streamError));
+    QString wholeError;
+    const std::optional<ChartTables> whole = ChartJson::read(QJsonDocument::fromJson(json).object(), &wholeError);
+    QVERIFY2(whole, qPrintable(wholeError));
+    QCOMPARE(ChartJson::write(*streamed), ChartJson::write(*whole));
+    QVERIFY(!streamed->members.empty() || !streamed->groups.empty() || streamed->ranks.count() > 0
+        || !streamed->links.all().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestChartStorage)

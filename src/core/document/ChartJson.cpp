@@ -1,10 +1,17 @@
 #include "document/ChartJson.h"
 
+#include "document/ChartFileCheck.h"
+#include "document/JsonSliceReader.h"
+
+#include <QIODevice>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace sable::ChartJson {
 namespace {
@@ -110,9 +117,18 @@ public:
     int number(const char* name)
     {
         const QJsonValue value = m_row.value(QLatin1String(name));
-        if (!value.isDouble() || value.toDouble() != static_cast<double>(value.toInteger()))
+        const double number = value.toDouble();
+        if (!value.isDouble() || number != std::trunc(number)) {
             fail(QStringLiteral("%1.%2: expected a whole number").arg(m_place, QLatin1String(name)));
-        return static_cast<int>(value.toInteger());
+            return 0;
+        }
+        // Every identifier and position is a 32-bit column: a larger number would be stored cut.
+        if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max()) {
+            fail(QStringLiteral("%1.%2: %3 is outside the 32-bit range")
+                     .arg(m_place, QLatin1String(name), QString::number(number, 'f', 0)));
+            return 0;
+        }
+        return static_cast<int>(number);
     }
     QString text(const char* name)
     {
@@ -135,25 +151,6 @@ private:
     QString* m_error;
 };
 
-// Calls `read` for every row of the array `name`; false on the first problem.
-template <typename F>
-bool forEachRow(const QJsonObject& root, const char* name, QString* error, F&& read)
-{
-    const QJsonValue array = root.value(QLatin1String(name));
-    if (!array.isArray()) {
-        *error = QStringLiteral("%1: expected an array").arg(QLatin1String(name));
-        return false;
-    }
-    const QJsonArray rows = array.toArray();
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        RowReader row(rows[i], QStringLiteral("%1[%2]").arg(QLatin1String(name)).arg(i), error);
-        read(row);
-        if (!row.ok())
-            return false;
-    }
-    return true;
-}
-
 MemberRecord readMember(RowReader& row)
 {
     MemberRecord m;
@@ -175,33 +172,95 @@ MemberRecord readMember(RowReader& row)
     return m;
 }
 
-bool readChart(const QJsonObject& root, ChartTables& tables, QString* error)
+// One array of the file and what a row of it adds to the tables.
+struct ArrayKind
 {
-    const bool ok = forEachRow(root, "members", error, [&](RowReader& row) {
-        tables.members.push_back(readMember(row));
-    }) && forEachRow(root, "groups", error, [&](RowReader& row) {
-        tables.groups.push_back({row.number("K_GroupID"), row.text("GroupName"), row.number("K_GroupID_P"),
-            row.number("Position"), row.number("Depth")});
-    }) && forEachRow(root, "relations", error, [&](RowReader& row) {
-        tables.relations.push_back(
-            {row.number("K_MemberID"), row.number("K_GroupID"), row.number("K_RankID"), row.number("Position")});
-    });
-    if (!ok)
-        return false;
-    // Departments arrive as a load reads them: ordered by Depth, then Position.
+    const char* name;
+    bool bOptional; // files written before the directory sync have no links: none are kept
+    void (*read)(RowReader& row, ChartTables& tables);
+};
+
+const std::vector<ArrayKind>& arrayKinds()
+{
+    static const std::vector<ArrayKind> kinds = {
+        {"members", false, [](RowReader& row, ChartTables& t) { t.members.push_back(readMember(row)); }},
+        {"groups", false,
+            [](RowReader& row, ChartTables& t) {
+                t.groups.push_back({row.number("K_GroupID"), row.text("GroupName"), row.number("K_GroupID_P"),
+                    row.number("Position"), row.number("Depth")});
+            }},
+        {"relations", false,
+            [](RowReader& row, ChartTables& t) {
+                t.relations.push_back({row.number("K_MemberID"), row.number("K_GroupID"), row.number("K_RankID"),
+                    row.number("Position")});
+            }},
+        {"ranks", false,
+            [](RowReader& row, ChartTables& t) {
+                t.ranks.insert(t.ranks.count(), {row.number("K_RankID"), row.text("RankName")});
+            }},
+        {"folders", false,
+            [](RowReader& row, ChartTables& t) {
+                t.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
+            }},
+        {"groupAuthorities", false,
+            [](RowReader& row, ChartTables& t) {
+                t.fileBox.groupAuthorities.push_back({row.number("K_FolderID"), row.number("K_GroupID"),
+                    FileBoxLists::levelFromText(row.text("Authority"))});
+            }},
+        {"userAuthorities", false,
+            [](RowReader& row, ChartTables& t) {
+                t.fileBox.userAuthorities.push_back({row.number("K_FolderID"), row.number("K_MemberID"),
+                    FileBoxLists::levelFromText(row.text("Authority"))});
+            }},
+        {"directoryLinks", true,
+            [](RowReader& row, ChartTables& t) {
+                t.links.set(row.number("K_MemberID"), DirectoryLink {row.text("EntryID"), row.text("EntryDN")});
+            }},
+    };
+    return kinds;
+}
+
+QString rowPlace(const ArrayKind& kind, qsizetype index)
+{
+    return QStringLiteral("%1[%2]").arg(QLatin1String(kind.name)).arg(index);
+}
+
+QString notAnArray(const ArrayKind& kind)
+{
+    return QStringLiteral("%1: expected an array").arg(QLatin1String(kind.name));
+}
+
+// Departments arrive as a load reads them: ordered by Depth, then Position.
+void orderAsLoaded(ChartTables& tables)
+{
     std::stable_sort(tables.groups.begin(), tables.groups.end(), [](const GroupRow& a, const GroupRow& b) {
         return std::pair(a.Depth, a.Position) < std::pair(b.Depth, b.Position);
     });
-    return true;
 }
 
-bool readAuthorities(
-    const QJsonObject& root, const char* name, const char* grantee, std::vector<AuthorityRecord>& list, QString* error)
+// Reads the rows of one array from the stream, each element parsed on its own.
+bool readStreamedRows(JsonSliceReader& in, const ArrayKind& kind, ChartTables& tables, QString* error)
 {
-    return forEachRow(root, name, error, [&](RowReader& row) {
-        list.push_back(
-            {row.number("K_FolderID"), row.number(grantee), FileBoxLists::levelFromText(row.text("Authority"))});
-    });
+    if (!in.beginArray()) {
+        *error = in.failed() ? in.error() : notAnArray(kind);
+        return false;
+    }
+    QByteArray text;
+    qint64 offset = 0;
+    for (qsizetype i = 0; in.nextElement(&text, &offset); ++i) {
+        QJsonParseError parse;
+        const QJsonDocument element = QJsonDocument::fromJson(text, &parse);
+        if (parse.error != QJsonParseError::NoError && text.startsWith('{')) {
+            *error = QStringLiteral("not JSON at offset %1: %2").arg(offset + parse.offset).arg(parse.errorString());
+            return false;
+        }
+        RowReader row(element.isObject() ? QJsonValue(element.object()) : QJsonValue(), rowPlace(kind, i), error);
+        kind.read(row, tables);
+        if (!row.ok())
+            return false;
+    }
+    *error = in.error();
+    return !in.failed();
 }
 
 } // namespace
@@ -278,44 +337,73 @@ QByteArray write(const ChartTables& tables)
     return json.finish();
 }
 
-std::optional<ChartTables> read(const QByteArray& json, QString* error)
-{
-    error->clear();
-    QJsonParseError parse;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &parse);
-    if (parse.error != QJsonParseError::NoError) {
-        *error = QStringLiteral("not JSON at offset %1: %2").arg(parse.offset).arg(parse.errorString());
-        return std::nullopt;
-    }
-    if (!document.isObject()) {
-        *error = QStringLiteral("expected one object");
-        return std::nullopt;
-    }
-    return read(document.object(), error);
-}
-
 std::optional<ChartTables> read(const QJsonObject& root, QString* error)
 {
     error->clear();
     ChartTables tables;
-    const bool ok = readChart(root, tables, error)
-        && forEachRow(root, "ranks", error,
-            [&](RowReader& row) {
-                tables.ranks.insert(tables.ranks.count(), {row.number("K_RankID"), row.text("RankName")});
-            })
-        && forEachRow(root, "folders", error,
-            [&](RowReader& row) {
-                tables.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
-            })
-        && readAuthorities(root, "groupAuthorities", "K_GroupID", tables.fileBox.groupAuthorities, error)
-        && readAuthorities(root, "userAuthorities", "K_MemberID", tables.fileBox.userAuthorities, error)
-        // Files written before the directory sync have no links: none are kept.
-        && (!root.contains(QStringLiteral("directoryLinks"))
-            || forEachRow(root, "directoryLinks", error, [&](RowReader& row) {
-                   tables.links.set(row.number("K_MemberID"), DirectoryLink {row.text("EntryID"), row.text("EntryDN")});
-               }));
-    if (!ok)
+    for (const ArrayKind& kind : arrayKinds()) {
+        const QJsonValue array = root.value(QLatin1String(kind.name));
+        if (kind.bOptional && array.isUndefined())
+            continue;
+        if (!array.isArray()) {
+            *error = notAnArray(kind);
+            return std::nullopt;
+        }
+        const QJsonArray rows = array.toArray();
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            RowReader row(rows[i], rowPlace(kind, i), error);
+            kind.read(row, tables);
+            if (!row.ok())
+                return std::nullopt;
+        }
+    }
+    orderAsLoaded(tables);
+    return tables;
+}
+
+std::optional<ChartTables> readFile(QIODevice& in, QString* error)
+{
+    error->clear();
+    ChartTables tables;
+    JsonSliceReader json(in);
+    if (!json.beginObject()) {
+        *error = json.error();
         return std::nullopt;
+    }
+    QSet<QString> seen;
+    QString key;
+    while (json.nextKey(&key)) {
+        const auto kind = std::find_if(arrayKinds().begin(), arrayKinds().end(),
+            [&key](const ArrayKind& k) { return key == QLatin1String(k.name); });
+        if (kind == arrayKinds().end()) {
+            if (!json.skipValue())
+                break;
+            continue;
+        }
+        if (seen.contains(key)) {
+            *error = QStringLiteral("%1: the array appears twice").arg(key);
+            return std::nullopt;
+        }
+        seen.insert(key);
+        if (!readStreamedRows(json, *kind, tables, error))
+            return std::nullopt;
+    }
+    if (json.failed() || !json.atEnd()) {
+        *error = json.error();
+        return std::nullopt;
+    }
+    for (const ArrayKind& kind : arrayKinds()) {
+        if (!kind.bOptional && !seen.contains(QLatin1String(kind.name))) {
+            *error = notAnArray(kind);
+            return std::nullopt;
+        }
+    }
+    const QStringList problems = ChartFileCheck::problems(tables);
+    if (!problems.isEmpty()) {
+        *error = problems.join(QStringLiteral("; "));
+        return std::nullopt;
+    }
+    orderAsLoaded(tables);
     return tables;
 }
 
