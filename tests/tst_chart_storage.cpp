@@ -10,6 +10,7 @@
 #include "document/ChartSave.h"
 #include "document/ChartTables.h"
 #include "document/DemoOrganisation.h"
+#include "document/RestorePoints.h"
 #include "platform/ChangeNotice.h"
 #include "platform/IniFile.h"
 
@@ -134,6 +135,8 @@ private Q_SLOTS:
     void importNeedsStoredIdentifiers();
     void streamedFileReadsAsWhole_data();
     void streamedFileReadsAsWhole();
+    void restorePointReadsBack_data();
+    void restorePointReadsBack();
 
 private:
     ChartSave::Collaborators saveWith(const QString& connectionString, QStringList* calls = nullptr);
@@ -618,6 +621,47 @@ void TestChartStorage::streamedFileReadsAsWhole()
     QCOMPARE(ChartJson::write(*streamed), ChartJson::write(*whole));
     QVERIFY(!streamed->members.empty() || !streamed->groups.empty() || streamed->ranks.count() > 0
         || !streamed->links.all().isEmpty());
+}
+
+void TestChartStorage::restorePointReadsBack_data()
+{
+    QTest::addColumn<int>("extraMembers");
+    QTest::newRow("demo") << 0;
+    // Several megabytes of text: packed and written in many pieces.
+    QTest::newRow("large") << 20000;
+}
+
+void TestChartStorage::restorePointReadsBack()
+{
+    QFETCH(int, extraMembers);
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    RestorePoint point {QDateTime::currentDateTimeUtc(), SaveAuthor::current(QStringLiteral("test")),
+        {QStringLiteral("a line")}, doc.tables(),
+        {{QStringLiteral("SD_MyGroup"), {QStringLiteral("K_MemberID"), QStringLiteral("MyGroupName")},
+            {{7, QStringLiteral("친구 \"1\"")}, {8, QVariant()}}}}};
+    for (int i = 0; i < extraMembers; ++i) {
+        MemberRecord member;
+        member.K_MemberID = 100000 + i;
+        member.MemberID = QStringLiteral("user%1").arg(i);
+        member.Description = QStringLiteral("설명\t%1\n").arg(i).repeated(i % 20);
+        point.tables.members.push_back(member);
+    }
+    const RestorePoints points(m_home.path(QStringLiteral("points-%1").arg(extraMembers)), 5);
+    QString problem;
+    QVERIFY2(points.prepare(&problem) && points.write(point, &problem), qPrintable(problem));
+    const std::vector<RestorePointInfo> listed = points.list();
+    QCOMPARE(listed.size(), size_t(1));
+    const std::optional<RestorePoint> read = RestorePoints::read(listed.front().path, &problem);
+    QVERIFY2(read, qPrintable(problem));
+    QCOMPARE(ChartJson::write(read->tables), ChartJson::write(point.tables));
+    QCOMPARE(read->changes, point.changes);
+    QCOMPARE(read->userData.size(), size_t(1));
+    const std::vector<QVariantList>& rows = read->userData[0].rows;
+    QCOMPARE(rows.size(), size_t(2));
+    QCOMPARE(rows[0][1].toString(), QStringLiteral("친구 \"1\""));
+    QCOMPARE(rows[1][0].toInt(), 8);
+    QVERIFY(rows[1][1].isNull());
 }
 
 QTEST_GUILESS_MAIN(TestChartStorage)

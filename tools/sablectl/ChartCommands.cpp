@@ -6,6 +6,7 @@
 #include "document/ChartTables.h"
 
 #include <QFile>
+#include <QSaveFile>
 
 namespace sable::ctl {
 namespace {
@@ -17,11 +18,17 @@ int exportChart(Context& context, QStringList args)
     CSableManagerDoc doc;
     if (!loadChart(context, doc))
         return kFailure;
-    const QByteArray json = ChartJson::write(doc.tables());
-    if (args.isEmpty())
-        return printBytes(context, json);
-    QFile file(args.first());
-    if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size())
+    // Written as it is made: the text of a large chart is never held whole beside the chart.
+    if (args.isEmpty()) {
+        context.out.flush();
+        QFile out;
+        if (!out.open(stdout, QIODevice::WriteOnly) || !ChartJson::write(doc.tables(), out) || !out.flush())
+            return context.fail(QStringLiteral("cannot write the chart: %1").arg(out.errorString()));
+        return kSuccess;
+    }
+    // A file that cannot be written whole keeps what it held.
+    QSaveFile file(args.first());
+    if (!file.open(QIODevice::WriteOnly) || !ChartJson::write(doc.tables(), file) || !file.commit())
         return context.fail(QStringLiteral("cannot write %1: %2").arg(args.first(), file.errorString()));
     return kSuccess;
 }

@@ -3,6 +3,7 @@
 #include "document/ChartFileCheck.h"
 #include "document/JsonSliceReader.h"
 
+#include <QBuffer>
 #include <QIODevice>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -18,13 +19,23 @@ namespace {
 
 // --- Writing: streamed, a row a line, so that a large chart needs no document tree in memory ---
 
+// Bytes gathered before they go to the device: the file is written as it is made, never held whole.
+constexpr qsizetype kFlushAt = 256 * 1024;
+
 class JsonWriter
 {
 public:
+    explicit JsonWriter(QIODevice& device)
+        : m_device(device)
+    {
+        m_out.reserve(kFlushAt + 4096);
+    }
     void beginArray(const char* name)
     {
         m_out += m_bFirstArray ? "{\n" : "\n  ],\n";
-        m_out += "  \"" + QByteArray(name) + "\": [";
+        m_out += "  \"";
+        m_out += name;
+        m_out += "\": [";
         m_bFirstArray = false;
         m_bFirstRow = true;
     }
@@ -40,10 +51,27 @@ public:
         key(name);
         string(value);
     }
-    void endRow() { m_out += '}'; }
-    QByteArray finish() { return m_out + "\n  ]\n}\n"; }
+    void endRow()
+    {
+        m_out += '}';
+        if (m_out.size() >= kFlushAt)
+            flush();
+    }
+    // False when the device refused a write.
+    bool finish()
+    {
+        m_out += "\n  ]\n}\n";
+        flush();
+        return m_bOk;
+    }
 
 private:
+    void flush()
+    {
+        if (m_bOk && m_device.write(m_out) != m_out.size())
+            m_bOk = false;
+        m_out.resize(0); // keeps the capacity for the next rows
+    }
     void key(const char* name)
     {
         m_out += m_bFirstField ? "\"" : ", \"";
@@ -51,41 +79,54 @@ private:
         m_out += "\": ";
         m_bFirstField = false;
     }
+    void escape(unsigned char c)
+    {
+        switch (c) {
+        case '"':
+            m_out += "\\\"";
+            break;
+        case '\\':
+            m_out += "\\\\";
+            break;
+        case '\n':
+            m_out += "\\n";
+            break;
+        case '\r':
+            m_out += "\\r";
+            break;
+        case '\t':
+            m_out += "\\t";
+            break;
+        default:
+            m_out += "\\u00";
+            m_out += "0123456789abcdef"[c >> 4];
+            m_out += "0123456789abcdef"[c & 15];
+        }
+    }
     void string(const QString& value)
     {
+        const QByteArray utf8 = value.toUtf8();
         m_out += '"';
-        for (const char c : value.toUtf8()) {
-            switch (c) {
-            case '"':
-                m_out += "\\\"";
-                break;
-            case '\\':
-                m_out += "\\\\";
-                break;
-            case '\n':
-                m_out += "\\n";
-                break;
-            case '\r':
-                m_out += "\\r";
-                break;
-            case '\t':
-                m_out += "\\t";
-                break;
-            default:
-                if (static_cast<unsigned char>(c) < 0x20)
-                    m_out += QByteArray("\\u00")
-                        + QByteArray::number(static_cast<unsigned char>(c), 16).rightJustified(2, '0');
-                else
-                    m_out += c;
-            }
+        // Runs of bytes that need no escape are copied at once: most texts are one run.
+        qsizetype plain = 0;
+        for (qsizetype i = 0; i < utf8.size(); ++i) {
+            const auto c = static_cast<unsigned char>(utf8[i]);
+            if (c >= 0x20 && c != '"' && c != '\\')
+                continue;
+            m_out.append(utf8.constData() + plain, i - plain);
+            escape(c);
+            plain = i + 1;
         }
+        m_out.append(utf8.constData() + plain, utf8.size() - plain);
         m_out += '"';
     }
 
+    QIODevice& m_device;
     QByteArray m_out;
     bool m_bFirstArray = true;
     bool m_bFirstRow = true;
     bool m_bFirstField = true;
+    bool m_bOk = true;
 };
 
 void writeAuthorities(JsonWriter& json, const char* name, const char* grantee, const std::vector<AuthorityRecord>& list)
@@ -267,7 +308,16 @@ bool readStreamedRows(JsonSliceReader& in, const ArrayKind& kind, ChartTables& t
 
 QByteArray write(const ChartTables& tables)
 {
-    JsonWriter json;
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    write(tables, buffer);
+    return bytes;
+}
+
+bool write(const ChartTables& tables, QIODevice& out)
+{
+    JsonWriter json(out);
     json.beginArray("groups");
     for (const GroupRow& g : tables.groups) {
         json.beginRow();

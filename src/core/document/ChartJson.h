@@ -18,6 +18,8 @@ namespace sable {
 namespace ChartJson {
 
 QByteArray write(const ChartTables& tables);
+// The same written to `out` as it is made; false when `out` refused a write.
+bool write(const ChartTables& tables, QIODevice& out);
 
 // The rows of that form from a chart file, read a row at a time (departments ordered as a chart is
 // built from them). nullopt and a reason when the file is not of that form (naming the row and the
