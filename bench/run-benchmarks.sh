@@ -6,11 +6,12 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 build=build-bench
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DSABLE_BUILD_TESTS=OFF >/dev/null
-cmake --build "$build" --target bench_chart bench_edits bench_console bench_import bench_directory
+cmake --build "$build" --target bench_chart bench_chart_file bench_edits bench_console bench_import bench_directory
 "$build/bench/bench_edits"
 "$build/bench/bench_console"
 "$build/bench/bench_import"
 "$build/bench/bench_directory"
+"$build/bench/bench_chart_file"
 env_file=$(mktemp)
 trap 'tests/fixtures/postgres.sh stop "$env_file"' EXIT
 tests/fixtures/postgres.sh start "$env_file" >/dev/null
