@@ -3,6 +3,8 @@
 
 #include "ChartText.h"
 #include "TestSupport.h"
+#include "db/BatchInserter.h"
+#include "db/PostgresCopy.h"
 #include "document/CSableManagerDoc.h"
 #include "document/ChartImport.h"
 #include "document/ChartJson.h"
@@ -17,6 +19,7 @@
 #include <QBuffer>
 #include <QJsonDocument>
 #include <QNetworkDatagram>
+#include <QSqlQuery>
 #include <QTest>
 #include <QUdpSocket>
 
@@ -121,6 +124,10 @@ private Q_SLOTS:
     void loadPlacement();
     void roundTrip_data();
     void roundTrip();
+    void bulkRowsRoundTrip_data();
+    void bulkRowsRoundTrip();
+    void failedBulkCopyRollsBack_data();
+    void failedBulkCopyRollsBack();
     void deletionCascade_data();
     void deletionCascade();
     void version_data();
@@ -342,6 +349,129 @@ void TestChartStorage::version()
     const IniFile settings(m_home.path(ini));
     QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::Saved);
     QCOMPARE(settings.readString(QStringLiteral("GroupInfo"), QStringLiteral("Version"), QString(), 16), after);
+}
+
+void TestChartStorage::bulkRowsRoundTrip_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QVariant>("id");
+    QTest::addColumn<QVariant>("text");
+    const struct
+    {
+        const char* name;
+        QVariant id;
+        QVariant text;
+    } cases[] = {
+        {"tab", 1, QStringLiteral("a\tb")},
+        {"newline", 2, QStringLiteral("첫 줄\n둘째 줄")},
+        {"carriage return", 3, QStringLiteral("a\r\nb\r")},
+        {"backslashes", 4, QStringLiteral("C:\\Sable\\\\Box\\")},
+        {"backslash N is a text", 5, QStringLiteral("\\N")},
+        {"every separator together", 6, QStringLiteral("\\\t\n\r\\t")},
+        {"Korean", 7, QStringLiteral("세이블상사/영업본부 김철수")},
+        {"leading and trailing blanks", 8, QStringLiteral("  가 나  ")},
+        {"empty text", 9, QStringLiteral("")},
+        {"NULL text", 10, QVariant()},
+        {"NULL identifier", QVariant(), QStringLiteral("x")},
+        {"largest identifier", std::numeric_limits<int>::max(), QStringLiteral("max")},
+        {"smallest identifier", std::numeric_limits<int>::min(), QStringLiteral("min")},
+        {"the column's full length", 11, QString(1000, u'가')},
+    };
+    for (const char* kind : {"sqlite", "postgresql"}) {
+        for (const auto& c : cases)
+            QTest::addRow("%s: %s", kind, c.name) << QString::fromLatin1(kind) << c.id << c.text;
+    }
+}
+
+void TestChartStorage::bulkRowsRoundTrip()
+{
+    QFETCH(QString, kind);
+    QFETCH(QVariant, id);
+    QFETCH(QVariant, text);
+    if (kind == QLatin1String("postgresql"))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(kind, m_home, m_pg);
+    DbConnection connection;
+    QVERIFY(connection.open(db));
+    if (kind == QLatin1String("postgresql")) // the bulk copy is what is tested, not the driver's path
+        QCOMPARE(PostgresCopy::handle(connection.database()) != nullptr, PostgresCopy::isBuilt());
+    QVERIFY(connection.beginTrans());
+    {
+        // Neighbours on either side: a separator that is not escaped moves values between rows.
+        BatchInserter insert(connection, QStringLiteral("SD_LeavedMemo"),
+            {QStringLiteral("K_MemberID"), QStringLiteral("K_MemberID_O"), QStringLiteral("Memo")});
+        QVERIFY(insert.add({1, 0, QStringLiteral("before")}));
+        QVERIFY(insert.add({2, id, text}));
+        QVERIFY(insert.add({3, 0, QStringLiteral("after")}));
+        QVERIFY2(insert.flush(), qPrintable(DbConnection::lastError()));
+    }
+    QVERIFY(connection.commitTrans());
+    QSqlQuery rows(connection.database());
+    QVERIFY(rows.exec(QStringLiteral("SELECT K_MemberID,K_MemberID_O,Memo FROM SD_LeavedMemo ORDER BY K_MemberID")));
+    QList<QVariantList> read;
+    while (rows.next())
+        read.append({rows.value(0).toInt(), rows.value(1), rows.value(2)});
+    QCOMPARE(read.size(), 3);
+    QCOMPARE(read[0][2].toString(), QStringLiteral("before"));
+    QCOMPARE(read[2][2].toString(), QStringLiteral("after"));
+    QCOMPARE(read[1][0].toInt(), 2);
+    QCOMPARE(read[1][1].isNull(), id.isNull());
+    QCOMPARE(read[1][1].toLongLong(), id.toLongLong());
+    QCOMPARE(read[1][2].isNull(), text.isNull());
+    QCOMPARE(read[1][2].toString(), text.toString());
+}
+
+void TestChartStorage::failedBulkCopyRollsBack_data()
+{
+    QTest::addColumn<QString>("constraint");
+    QTest::addColumn<QString>("longText"); // the description of a member in the middle
+    QTest::addColumn<QString>("reason"); // in the server's message
+    // The demo places user 4 in two departments.
+    QTest::newRow("duplicate key") << "CREATE UNIQUE INDEX one_place ON SD_Relation (K_MemberID)" << QString()
+                                   << "duplicate key";
+    QTest::newRow("text over its column") << QString() << QString(1001, u'가') << "too long";
+}
+
+void TestChartStorage::failedBulkCopyRollsBack()
+{
+    QFETCH(QString, constraint);
+    QFETCH(QString, longText);
+    QFETCH(QString, reason);
+    SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(QStringLiteral("postgresql"), m_home, m_pg);
+    const IniFile settings(m_home.path(QStringLiteral("copy-%1.ini").arg(QTest::currentDataTag())));
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::Saved);
+    if (!constraint.isEmpty())
+        QVERIFY(run(db, {QStringLiteral("DELETE FROM SD_Relation WHERE K_MemberID = 4"), constraint}));
+    const QStringList before = tableDump(db);
+
+    // Enough rows that the copy is sent in several pieces, and the refused one among them.
+    for (int i = 0; i < 4000; ++i) {
+        MemberRecord member;
+        member.K_MemberID = 1000 + i;
+        member.MemberID = QStringLiteral("bulk%1").arg(i);
+        member.MemberName = member.Passwd = QStringLiteral("이름");
+        member.Description = i == 2000 && !longText.isEmpty() ? longText : QString(500, u'설');
+        doc.chart().insertMember(doc.chart().memberCount(), member);
+    }
+    doc.chart().renameGroup(doc.chart().rootGroup(), QStringLiteral("바뀐 이름"));
+    doc.setModified(true);
+    ChartSave::Collaborators with = saveWith(db);
+    with.bReplace = true; // the memberships were changed behind the document's back
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::DatabaseFailed);
+    QVERIFY2(DbConnection::lastError().contains(reason), qPrintable(DbConnection::lastError()));
+    QCOMPARE(tableDump(db), before);
+    // Once the cause is gone the same save goes through: the failure left nothing behind.
+    if (!constraint.isEmpty())
+        QVERIFY(run(db, {QStringLiteral("DROP INDEX one_place")}));
+    const int row = doc.chart().rowOf(3000);
+    MemberRecord fixed = doc.chart().member(row);
+    fixed.Description.truncate(1000);
+    doc.chart().setMember(row, fixed);
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Saved);
+    QCOMPARE(tableDump(db).filter(QStringLiteral("bulk")).size(), 4000);
 }
 
 void TestChartStorage::failingStatementRollsBack()
