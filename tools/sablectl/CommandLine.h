@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/ChartReader.h"
 #include "platform/AppPaths.h"
 #include "server/StartupConfig.h"
 
@@ -70,7 +71,7 @@ std::function<DbConnection()> connector(Context& context);
 // Asks on the terminal; true for an answer that begins with y.
 bool askOnTerminal(Context& context, const QString& question);
 // Reads the chart, the ranks and the file-box lists into `doc`; false after saying why.
-bool loadChart(Context& context, CSableManagerDoc& doc);
+bool loadChart(Context& context, CSableManagerDoc& doc, ChartReader::Use use = ChartReader::Use::Editing);
 // The server's services as the registry's "ServiceManager" says they are run.
 std::unique_ptr<ServerServiceControl> openServiceControl(Context& context);
 
