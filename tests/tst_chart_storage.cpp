@@ -142,6 +142,8 @@ private Q_SLOTS:
     void importNeedsStoredIdentifiers();
     void streamedFileReadsAsWhole_data();
     void streamedFileReadsAsWhole();
+    void writtenTextsReadBack_data();
+    void writtenTextsReadBack();
     void restorePointReadsBack_data();
     void restorePointReadsBack();
 
@@ -751,6 +753,36 @@ void TestChartStorage::streamedFileReadsAsWhole()
     QCOMPARE(ChartJson::write(*streamed), ChartJson::write(*whole));
     QVERIFY(!streamed->members.empty() || !streamed->groups.empty() || streamed->ranks.count() > 0
         || !streamed->links.all().isEmpty());
+}
+
+void TestChartStorage::writtenTextsReadBack_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("quotes and backslashes") << QStringLiteral("\"a\\\\b\" \\");
+    QTest::newRow("control characters") << QStringLiteral("a\x01\nb\tc\r\x1f");
+    QTest::newRow("Korean") << QStringLiteral("세이블상사 영업본부");
+    QTest::newRow("beyond the basic plane") << QStringLiteral("팀 \U0001F600 \U00020000");
+    QTest::newRow("half a surrogate pair at the end") << QString(QStringLiteral("끝")) + QChar(0xD83D);
+    QTest::newRow("longer than the writer's buffer") << QString(300 * 1024, u'가') + u'"';
+    QTest::newRow("empty") << QString();
+}
+
+void TestChartStorage::writtenTextsReadBack()
+{
+    QFETCH(QString, text);
+    ChartTables tables;
+    tables.groups = {{1, text, -1, 1, 0}, {2, QStringLiteral("다음"), -1, 2, 0}};
+    const QByteArray json = ChartJson::write(tables);
+    QJsonParseError parsed;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &parsed);
+    QCOMPARE(parsed.error, QJsonParseError::NoError);
+    QString error;
+    const std::optional<ChartTables> read = ChartJson::read(document.object(), &error);
+    QVERIFY2(read, qPrintable(error));
+    QCOMPARE(read->groups.size(), size_t(2));
+    // What any conversion to UTF-8 makes of the text (half a surrogate pair cannot be written).
+    QCOMPARE(read->groups[0].GroupName, QString::fromUtf8(text.toUtf8()));
+    QCOMPARE(read->groups[1].GroupName, QStringLiteral("다음"));
 }
 
 void TestChartStorage::restorePointReadsBack_data()

@@ -9,10 +9,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
+#include <QStringEncoder>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
+#include <string>
+#include <string_view>
 
 namespace sable::ChartJson {
 namespace {
@@ -28,7 +32,7 @@ public:
     explicit JsonWriter(QIODevice& device)
         : m_device(device)
     {
-        m_out.reserve(kFlushAt + 4096);
+        m_out.reserve(static_cast<size_t>(kFlushAt) + 4096);
     }
     void beginArray(const char* name)
     {
@@ -45,7 +49,13 @@ public:
         m_bFirstRow = false;
         m_bFirstField = true;
     }
-    void field(const char* name, int value) { key(name), m_out += QByteArray::number(value); }
+    void field(const char* name, int value)
+    {
+        key(name);
+        char digits[16];
+        const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        m_out.append(digits, static_cast<size_t>(end - digits));
+    }
     void field(const char* name, const QString& value)
     {
         key(name);
@@ -54,7 +64,7 @@ public:
     void endRow()
     {
         m_out += '}';
-        if (m_out.size() >= kFlushAt)
+        if (m_out.size() >= static_cast<size_t>(kFlushAt))
             flush();
     }
     // False when the device refused a write.
@@ -68,9 +78,10 @@ public:
 private:
     void flush()
     {
-        if (m_bOk && m_device.write(m_out) != m_out.size())
+        if (m_bOk
+            && m_device.write(m_out.data(), static_cast<qint64>(m_out.size())) != static_cast<qint64>(m_out.size()))
             m_bOk = false;
-        m_out.resize(0); // keeps the capacity for the next rows
+        m_out.clear(); // keeps the capacity for the next rows
     }
     void key(const char* name)
     {
@@ -105,24 +116,49 @@ private:
     }
     void string(const QString& value)
     {
-        const QByteArray utf8 = value.toUtf8();
         m_out += '"';
-        // Runs of bytes that need no escape are copied at once: most texts are one run.
-        qsizetype plain = 0;
-        for (qsizetype i = 0; i < utf8.size(); ++i) {
+        // Encoded straight into the buffer (three bytes at most for each UTF-16 unit); most texts need
+        // no escape and stay as they were encoded.
+        const size_t start = m_out.size();
+        m_out.resize(start + static_cast<size_t>(value.size()) * 3);
+        char* end = m_encoder.appendToBuffer(m_out.data() + start, value);
+        m_out.resize(static_cast<size_t>(end - m_out.data()));
+        if (m_encoder.hasError()) {
+            // Half a surrogate pair: written as every other conversion of the program writes it.
+            m_encoder.resetState();
+            m_out.resize(start);
+            const QByteArray utf8 = value.toUtf8();
+            m_out.append(utf8.constData(), static_cast<size_t>(utf8.size()));
+        }
+        const auto needsEscape = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\'; };
+        if (std::any_of(m_out.cbegin() + static_cast<std::ptrdiff_t>(start), m_out.cend(), needsEscape)) {
+            const std::string utf8 = m_out.substr(start);
+            m_out.resize(start);
+            escaped(utf8);
+        }
+        m_out += '"';
+    }
+    void escaped(std::string_view utf8)
+    {
+        // Runs of bytes that need no escape are copied at once.
+        size_t plain = 0;
+        for (size_t i = 0; i < utf8.size(); ++i) {
             const auto c = static_cast<unsigned char>(utf8[i]);
             if (c >= 0x20 && c != '"' && c != '\\')
                 continue;
-            m_out.append(utf8.constData() + plain, i - plain);
+            m_out.append(utf8.substr(plain, i - plain));
             escape(c);
             plain = i + 1;
         }
-        m_out.append(utf8.constData() + plain, utf8.size() - plain);
-        m_out += '"';
+        m_out.append(utf8.substr(plain));
     }
 
     QIODevice& m_device;
-    QByteArray m_out;
+    // A standard string: its appends of a few bytes cost a fraction of QByteArray's, and a file
+    // is made of little else.
+    std::string m_out;
+    // Stateless: half a surrogate pair at the end of one text must not reach into the next.
+    QStringEncoder m_encoder {QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
     bool m_bFirstArray = true;
     bool m_bFirstRow = true;
     bool m_bFirstField = true;
