@@ -60,8 +60,9 @@ function(sable_write_windows_syntax_lists)
     endif()
 
     # Third-party headers, each alone in a folder of its own: their folder on this system also holds
-    # the system's own headers, which must not stand in for MinGW's. SQLite's header is not needed:
-    # a Windows build reads the embedded database through Qt's driver only (SABLE_SQLITE_NATIVE).
+    # the system's own headers, which must not stand in for MinGW's. SQLite's and PostgreSQL's
+    # headers are not needed: a Windows build reaches both databases through Qt's drivers only
+    # (SABLE_SQLITE_NATIVE, SABLE_POSTGRES_COPY).
     set(third_party ${out}/include)
     file(MAKE_DIRECTORY ${third_party})
     get_target_property(curl_dirs CURL::libcurl INTERFACE_INCLUDE_DIRECTORIES)
@@ -127,8 +128,8 @@ function(sable_write_windows_syntax_lists)
         list(REMOVE_DUPLICATES files)
 
         # The target's own definitions and include folders, with everything of this system left out:
-        # the embedded-database shortcut, and include folders other than the project's and Qt's.
-        set(defs "$<FILTER:$<TARGET_PROPERTY:${target},COMPILE_DEFINITIONS>,EXCLUDE,^SABLE_SQLITE_NATIVE$>")
+        # the database client shortcuts, and include folders other than the project's and Qt's.
+        set(defs "$<FILTER:$<TARGET_PROPERTY:${target},COMPILE_DEFINITIONS>,EXCLUDE,^SABLE_(SQLITE_NATIVE|POSTGRES_COPY)$>")
         set(includes "$<REMOVE_DUPLICATES:$<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>>")
         set(own "$<FILTER:$<FILTER:${includes},INCLUDE,^${source_prefix}>,EXCLUDE,^${binary_prefix}>")
         set(qt "$<FILTER:${includes},INCLUDE,^${qt_headers}>")

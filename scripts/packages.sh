@@ -3,7 +3,7 @@
 build_packages=(
     cmake ninja-build g++ pkgconf
     qt6-base-dev qt6-base-dev-tools libqt6svg6 libqt6sql6-sqlite libqt6sql6-odbc libqt6sql6-psql
-    unixodbc-dev libcurl4-openssl-dev libsqlite3-dev zlib1g-dev
+    unixodbc-dev libcurl4-openssl-dev libsqlite3-dev libpq-dev zlib1g-dev
     libldap-dev
 )
 run_packages=(

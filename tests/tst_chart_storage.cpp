@@ -3,8 +3,11 @@
 
 #include "ChartText.h"
 #include "TestSupport.h"
+#include "db/BatchInserter.h"
+#include "db/PostgresCopy.h"
 #include "document/CSableManagerDoc.h"
 #include "document/ChartEdits.h"
+#include "document/ChartImport.h"
 #include "document/ChartJson.h"
 #include "document/ChartMerge.h"
 #include "document/ChartReader.h"
@@ -12,11 +15,15 @@
 #include "document/ChartTables.h"
 #include "document/DemoOrganisation.h"
 #include "document/MergeEdits.h"
+#include "document/RestorePoints.h"
 #include "platform/ChangeNotice.h"
 #include "platform/IniFile.h"
 
+#include <QBuffer>
+#include <QJsonDocument>
 #include <QNetworkDatagram>
 #include <QRandomGenerator>
+#include <QSqlQuery>
 #include <QTest>
 #include <QUdpSocket>
 
@@ -123,6 +130,10 @@ private Q_SLOTS:
     void loadPlacement();
     void roundTrip_data();
     void roundTrip();
+    void bulkRowsRoundTrip_data();
+    void bulkRowsRoundTrip();
+    void failedBulkCopyRollsBack_data();
+    void failedBulkCopyRollsBack();
     void deletionCascade_data();
     void deletionCascade();
     void version_data();
@@ -137,6 +148,14 @@ private Q_SLOTS:
     void saveChecksAndServices();
     void racingSavesLoseNothing_data();
     void racingSavesLoseNothing();
+    void importNeedsStoredIdentifiers_data();
+    void importNeedsStoredIdentifiers();
+    void streamedFileReadsAsWhole_data();
+    void streamedFileReadsAsWhole();
+    void writtenTextsReadBack_data();
+    void writtenTextsReadBack();
+    void restorePointReadsBack_data();
+    void restorePointReadsBack();
 
 private:
     ChartSave::Collaborators saveWith(const QString& connectionString, QStringList* calls = nullptr);
@@ -342,6 +361,129 @@ void TestChartStorage::version()
     const IniFile settings(m_home.path(ini));
     QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::Saved);
     QCOMPARE(settings.readString(QStringLiteral("GroupInfo"), QStringLiteral("Version"), QString(), 16), after);
+}
+
+void TestChartStorage::bulkRowsRoundTrip_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QVariant>("id");
+    QTest::addColumn<QVariant>("text");
+    const struct
+    {
+        const char* name;
+        QVariant id;
+        QVariant text;
+    } cases[] = {
+        {"tab", 1, QStringLiteral("a\tb")},
+        {"newline", 2, QStringLiteral("첫 줄\n둘째 줄")},
+        {"carriage return", 3, QStringLiteral("a\r\nb\r")},
+        {"backslashes", 4, QStringLiteral("C:\\Sable\\\\Box\\")},
+        {"backslash N is a text", 5, QStringLiteral("\\N")},
+        {"every separator together", 6, QStringLiteral("\\\t\n\r\\t")},
+        {"Korean", 7, QStringLiteral("세이블상사/영업본부 김철수")},
+        {"leading and trailing blanks", 8, QStringLiteral("  가 나  ")},
+        {"empty text", 9, QStringLiteral("")},
+        {"NULL text", 10, QVariant()},
+        {"NULL identifier", QVariant(), QStringLiteral("x")},
+        {"largest identifier", std::numeric_limits<int>::max(), QStringLiteral("max")},
+        {"smallest identifier", std::numeric_limits<int>::min(), QStringLiteral("min")},
+        {"the column's full length", 11, QString(1000, u'가')},
+    };
+    for (const char* kind : {"sqlite", "postgresql"}) {
+        for (const auto& c : cases)
+            QTest::addRow("%s: %s", kind, c.name) << QString::fromLatin1(kind) << c.id << c.text;
+    }
+}
+
+void TestChartStorage::bulkRowsRoundTrip()
+{
+    QFETCH(QString, kind);
+    QFETCH(QVariant, id);
+    QFETCH(QVariant, text);
+    if (kind == QLatin1String("postgresql"))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(kind, m_home, m_pg);
+    DbConnection connection;
+    QVERIFY(connection.open(db));
+    if (kind == QLatin1String("postgresql")) // the bulk copy is what is tested, not the driver's path
+        QCOMPARE(PostgresCopy::handle(connection.database()) != nullptr, PostgresCopy::isBuilt());
+    QVERIFY(connection.beginTrans());
+    {
+        // Neighbours on either side: a separator that is not escaped moves values between rows.
+        BatchInserter insert(connection, QStringLiteral("SD_LeavedMemo"),
+            {QStringLiteral("K_MemberID"), QStringLiteral("K_MemberID_O"), QStringLiteral("Memo")});
+        QVERIFY(insert.add({1, 0, QStringLiteral("before")}));
+        QVERIFY(insert.add({2, id, text}));
+        QVERIFY(insert.add({3, 0, QStringLiteral("after")}));
+        QVERIFY2(insert.flush(), qPrintable(DbConnection::lastError()));
+    }
+    QVERIFY(connection.commitTrans());
+    QSqlQuery rows(connection.database());
+    QVERIFY(rows.exec(QStringLiteral("SELECT K_MemberID,K_MemberID_O,Memo FROM SD_LeavedMemo ORDER BY K_MemberID")));
+    QList<QVariantList> read;
+    while (rows.next())
+        read.append({rows.value(0).toInt(), rows.value(1), rows.value(2)});
+    QCOMPARE(read.size(), 3);
+    QCOMPARE(read[0][2].toString(), QStringLiteral("before"));
+    QCOMPARE(read[2][2].toString(), QStringLiteral("after"));
+    QCOMPARE(read[1][0].toInt(), 2);
+    QCOMPARE(read[1][1].isNull(), id.isNull());
+    QCOMPARE(read[1][1].toLongLong(), id.toLongLong());
+    QCOMPARE(read[1][2].isNull(), text.isNull());
+    QCOMPARE(read[1][2].toString(), text.toString());
+}
+
+void TestChartStorage::failedBulkCopyRollsBack_data()
+{
+    QTest::addColumn<QString>("constraint");
+    QTest::addColumn<QString>("longText"); // the description of a member in the middle
+    QTest::addColumn<QString>("reason"); // in the server's message
+    // The demo places user 4 in two departments.
+    QTest::newRow("duplicate key") << "CREATE UNIQUE INDEX one_place ON SD_Relation (K_MemberID)" << QString()
+                                   << "duplicate key";
+    QTest::newRow("text over its column") << QString() << QString(1001, u'가') << "too long";
+}
+
+void TestChartStorage::failedBulkCopyRollsBack()
+{
+    QFETCH(QString, constraint);
+    QFETCH(QString, longText);
+    QFETCH(QString, reason);
+    SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(QStringLiteral("postgresql"), m_home, m_pg);
+    const IniFile settings(m_home.path(QStringLiteral("copy-%1.ini").arg(QTest::currentDataTag())));
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    QCOMPARE(ChartSave::run(doc, settings, saveWith(db)), ChartSave::Outcome::Saved);
+    if (!constraint.isEmpty())
+        QVERIFY(run(db, {QStringLiteral("DELETE FROM SD_Relation WHERE K_MemberID = 4"), constraint}));
+    const QStringList before = tableDump(db);
+
+    // Enough rows that the copy is sent in several pieces, and the refused one among them.
+    for (int i = 0; i < 4000; ++i) {
+        MemberRecord member;
+        member.K_MemberID = 1000 + i;
+        member.MemberID = QStringLiteral("bulk%1").arg(i);
+        member.MemberName = member.Passwd = QStringLiteral("이름");
+        member.Description = i == 2000 && !longText.isEmpty() ? longText : QString(500, u'설');
+        doc.chart().insertMember(doc.chart().memberCount(), member);
+    }
+    doc.chart().renameGroup(doc.chart().rootGroup(), QStringLiteral("바뀐 이름"));
+    doc.setModified(true);
+    ChartSave::Collaborators with = saveWith(db);
+    with.bReplace = true; // the memberships were changed behind the document's back
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::DatabaseFailed);
+    QVERIFY2(DbConnection::lastError().contains(reason), qPrintable(DbConnection::lastError()));
+    QCOMPARE(tableDump(db), before);
+    // Once the cause is gone the same save goes through: the failure left nothing behind.
+    if (!constraint.isEmpty())
+        QVERIFY(run(db, {QStringLiteral("DROP INDEX one_place")}));
+    const int row = doc.chart().rowOf(3000);
+    MemberRecord fixed = doc.chart().member(row);
+    fixed.Description.truncate(1000);
+    doc.chart().setMember(row, fixed);
+    QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Saved);
+    QCOMPARE(tableDump(db).filter(QStringLiteral("bulk")).size(), 4000);
 }
 
 void TestChartStorage::failingStatementRollsBack()
@@ -584,6 +726,164 @@ void TestChartStorage::saveChecksAndServices()
     calls.clear();
     QCOMPARE(ChartSave::run(doc, settings, with), ChartSave::Outcome::Saved);
     QCOMPARE(calls.mid(1), (QStringList {"running?", "stop file box", "start all", "restart all"}));
+}
+
+void TestChartStorage::importNeedsStoredIdentifiers_data()
+{
+    QTest::addColumn<QStringList>("damage");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("table missing") << QStringList {"DROP TABLE SD_Group"} << "SD_Group";
+    // The statement starts and gives a row, then fails: the rows so far are not all there are.
+    QTest::newRow("reading stops half-way") << QStringList {"DROP TABLE SD_Member",
+        "CREATE VIEW SD_Member AS SELECT 7 AS K_MemberID UNION ALL SELECT abs(-9223372036854775807 - 1)"}
+                                            << "integer overflow";
+}
+
+void TestChartStorage::importNeedsStoredIdentifiers()
+{
+    QFETCH(QStringList, damage);
+    QFETCH(QString, error);
+    const QString connection = freshDatabase(QStringLiteral("sqlite"), m_home, m_pg);
+    QVERIFY(!connection.isEmpty());
+    QVERIFY(run(connection, {member(7), member(8), group(999, QStringLiteral("top"), -1, 1, 0)}));
+    CSableManagerDoc demo;
+    demo.adopt(DemoOrganisation::contents());
+
+    // The file keeps member 8 only: member 7 and department 999 are to be deleted.
+    ChartTables file = demo.tables();
+    file.members.resize(1);
+    file.members[0].K_MemberID = 8;
+    DbConnection db;
+    QVERIFY(db.open(connection));
+    CSableManagerDoc doc;
+    QVERIFY(ChartImport::replaceChart(db, doc, ChartTables(file)));
+    QCOMPARE(doc.deletedMembers(), QList<int> {7});
+    QCOMPARE(doc.deletedGroups(), QList<int> {999});
+    QVERIFY(doc.isModified());
+
+    QVERIFY(run(connection, damage));
+    CSableManagerDoc untouched;
+    QVERIFY(!ChartImport::replaceChart(db, untouched, ChartTables(file)));
+    QVERIFY2(DbConnection::lastError().contains(error), qPrintable(DbConnection::lastError()));
+    QCOMPARE(untouched.chart().memberCount(), 0);
+    QVERIFY(untouched.deletedMembers().isEmpty() && untouched.deletedGroups().isEmpty());
+    QVERIFY(!untouched.isModified());
+}
+
+void TestChartStorage::streamedFileReadsAsWhole_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    const QByteArray empty = "\"ranks\": [], \"folders\": [], \"groupAuthorities\": [], \"userAuthorities\": []";
+    QTest::newRow("braces, brackets and escapes inside texts")
+        << QByteArray("{\"groups\": [{\"K_GroupID\": 1, \"GroupName\": \"a}]\\\" \\\\\\\"{[\", \"K_GroupID_P\": -1, "
+                      "\"Position\": 1, \"Depth\": 0}], \"members\": [], \"relations\": [], \"ranks\": [{\"K_RankID\": "
+                      "2, \"RankName\": \"\\ud55c\\u0041\\n\\t\"}], \"folders\": [], \"groupAuthorities\": [], "
+                      "\"userAuthorities\": []}");
+    QTest::newRow("other order, unknown keys, no blanks")
+        << QByteArray("{\"x\":{\"y\":[1,{\"z\":\"]\"}]},\"relations\":[],\"ranks\":[],\"members\":[],\"v\":null,"
+                      "\"groups\":[],\"folders\":[],\"groupAuthorities\":[],\"userAuthorities\":[],\"directoryLinks\":"
+                      "[{\"K_MemberID\":3,\"EntryID\":\"e\",\"EntryDN\":\"cn=a\\\\,b\"}]}");
+    // Many rows of long texts: the reader's buffer is refilled and cut many times.
+    QByteArray many = "{\n\"groups\": [],\n\"members\": [\n";
+    for (int i = 1; i <= 3000; ++i) {
+        many += QStringLiteral(
+            "%1{\"K_MemberID\": %2, \"MemberID\": \"u%2\", \"MemberName\": \"이름 %2\", \"Passwd\": "
+            "\"p\", \"Gender\": 1, \"bPublic\": 1, \"Email\": \"\", \"HP\": \"\", \"Address\": \"%3\","
+            " \"HomePhone\": \"\", \"OfficePhone\": \"\", \"BirthDay\": \"\", \"Description\": "
+            "\"}\\\"\", \"bSolar\": 1, \"bAdmin\": 0}\r\n")
+                    .arg(i == 1 ? QString() : QStringLiteral(","))
+                    .arg(i)
+                    .arg(QString(i % 400, u'주'))
+                    .toUtf8();
+    }
+    QTest::newRow("more than the reader's buffer") << many + "],\n\"relations\": [], " + empty + "}\n";
+}
+
+void TestChartStorage::streamedFileReadsAsWhole()
+{
+    QFETCH(QByteArray, json);
+    QBuffer file(&json);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QString streamError;
+    const std::optional<ChartTables> streamed = ChartJson::readFile(file, &streamError);
+    QVERIFY2(streamed, qPrintable(streamError));
+    QString wholeError;
+    const std::optional<ChartTables> whole = ChartJson::read(QJsonDocument::fromJson(json).object(), &wholeError);
+    QVERIFY2(whole, qPrintable(wholeError));
+    QCOMPARE(ChartJson::write(*streamed), ChartJson::write(*whole));
+    QVERIFY(!streamed->members.empty() || !streamed->groups.empty() || streamed->ranks.count() > 0
+        || !streamed->links.all().isEmpty());
+}
+
+void TestChartStorage::writtenTextsReadBack_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("quotes and backslashes") << QStringLiteral("\"a\\\\b\" \\");
+    QTest::newRow("control characters") << QStringLiteral("a\x01\nb\tc\r\x1f");
+    QTest::newRow("Korean") << QStringLiteral("세이블상사 영업본부");
+    QTest::newRow("beyond the basic plane") << QStringLiteral("팀 \U0001F600 \U00020000");
+    QTest::newRow("half a surrogate pair at the end") << QString(QStringLiteral("끝")) + QChar(0xD83D);
+    QTest::newRow("longer than the writer's buffer") << QString(300 * 1024, u'가') + u'"';
+    QTest::newRow("empty") << QString();
+}
+
+void TestChartStorage::writtenTextsReadBack()
+{
+    QFETCH(QString, text);
+    ChartTables tables;
+    tables.groups = {{1, text, -1, 1, 0}, {2, QStringLiteral("다음"), -1, 2, 0}};
+    const QByteArray json = ChartJson::write(tables);
+    QJsonParseError parsed;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &parsed);
+    QCOMPARE(parsed.error, QJsonParseError::NoError);
+    QString error;
+    const std::optional<ChartTables> read = ChartJson::read(document.object(), &error);
+    QVERIFY2(read, qPrintable(error));
+    QCOMPARE(read->groups.size(), size_t(2));
+    // What any conversion to UTF-8 makes of the text (half a surrogate pair cannot be written).
+    QCOMPARE(read->groups[0].GroupName, QString::fromUtf8(text.toUtf8()));
+    QCOMPARE(read->groups[1].GroupName, QStringLiteral("다음"));
+}
+
+void TestChartStorage::restorePointReadsBack_data()
+{
+    QTest::addColumn<int>("extraMembers");
+    QTest::newRow("demo") << 0;
+    // Several megabytes of text: packed and written in many pieces.
+    QTest::newRow("large") << 20000;
+}
+
+void TestChartStorage::restorePointReadsBack()
+{
+    QFETCH(int, extraMembers);
+    CSableManagerDoc doc;
+    doc.adopt(DemoOrganisation::contents());
+    RestorePoint point {QDateTime::currentDateTimeUtc(), SaveAuthor::current(QStringLiteral("test")),
+        {QStringLiteral("a line")}, doc.tables(),
+        {{QStringLiteral("SD_MyGroup"), {QStringLiteral("K_MemberID"), QStringLiteral("MyGroupName")},
+            {{7, QStringLiteral("친구 \"1\"")}, {8, QVariant()}}}}};
+    for (int i = 0; i < extraMembers; ++i) {
+        MemberRecord member;
+        member.K_MemberID = 100000 + i;
+        member.MemberID = QStringLiteral("user%1").arg(i);
+        member.Description = QStringLiteral("설명\t%1\n").arg(i).repeated(i % 20);
+        point.tables.members.push_back(member);
+    }
+    const RestorePoints points(m_home.path(QStringLiteral("points-%1").arg(extraMembers)), 5);
+    QString problem;
+    QVERIFY2(points.prepare(&problem) && points.write(point, &problem), qPrintable(problem));
+    const std::vector<RestorePointInfo> listed = points.list();
+    QCOMPARE(listed.size(), size_t(1));
+    const std::optional<RestorePoint> read = RestorePoints::read(listed.front().path, &problem);
+    QVERIFY2(read, qPrintable(problem));
+    QCOMPARE(ChartJson::write(read->tables), ChartJson::write(point.tables));
+    QCOMPARE(read->changes, point.changes);
+    QCOMPARE(read->userData.size(), size_t(1));
+    const std::vector<QVariantList>& rows = read->userData[0].rows;
+    QCOMPARE(rows.size(), size_t(2));
+    QCOMPARE(rows[0][1].toString(), QStringLiteral("친구 \"1\""));
+    QCOMPARE(rows[1][0].toInt(), 8);
+    QVERIFY(rows[1][1].isNull());
 }
 
 QTEST_GUILESS_MAIN(TestChartStorage)

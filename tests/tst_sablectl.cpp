@@ -279,6 +279,46 @@ void TestSablectl::chartImportRefusals_data()
     QTest::newRow("empty password") << QByteArray("{\"groups\": [], \"members\": ["
         + QByteArray(member).replace("%1", "").replace("%2", "0") + "], \"relations\": [], " + ok + "}")
                                     << "아이디나 비밀번호가 비어있는 아이디가 있습니다.";
+
+    // Rows no chart can be saved from, named as the file holds them.
+    const auto chart = [&ok](const QByteArray& groups, const QByteArray& members) -> QByteArray {
+        return "{\"groups\": [" + groups + "], \"members\": [" + members + "], \"relations\": [], " + ok + "}";
+    };
+    const auto group = [](int id, qint64 parent) {
+        return QStringLiteral("{\"K_GroupID\": %1, \"GroupName\": \"g%1\", \"K_GroupID_P\": %2, \"Position\": 1, "
+                              "\"Depth\": 0}")
+            .arg(id)
+            .arg(parent)
+            .toUtf8();
+    };
+    const auto user = [&member](qint64 id, const char* login) {
+        return QByteArray(member)
+            .replace("%1", "pw")
+            .replace("%2", "0")
+            .replace("\"K_MemberID\": 1", QByteArray("\"K_MemberID\": " + QByteArray::number(id)))
+            .replace("\"a\"", QByteArray("\"" + QByteArray(login) + "\""));
+    };
+    const QByteArray top = group(1, -1);
+    QTest::newRow("department identifier twice") << chart(top + "," + group(2, 1) + "," + group(2, 1), user(1, "a"))
+                                                 << "groups[1], groups[2]: K_GroupID 2 more than once";
+    QTest::newRow("user identifier twice") << chart(top, user(1, "a") + "," + user(2, "b") + "," + user(1, "c"))
+                                           << "members[0], members[2]: K_MemberID 1 more than once";
+    QTest::newRow("login ID twice in other case")
+        << chart(top, user(1, "Kim") + "," + user(2, "b") + "," + user(3, "kIM"))
+        << "members[0], members[2]: login ID \"Kim\" more than once";
+    QTest::newRow("parent cycle") << chart(top + "," + group(2, 4) + "," + group(3, 2) + "," + group(4, 3),
+        user(1, "a")) << "groups[1], groups[2], groups[3]: the departments' parents form a cycle";
+    QTest::newRow("department its own parent")
+        << chart(top + "," + group(2, 2), user(1, "a")) << "groups[1]: the departments' parents form a cycle";
+    QTest::newRow("second top department") << chart(top + "," + group(2, 1) + "," + group(3, 77), user(1, "a"))
+                                           << "groups[0], groups[2]: more than one top department";
+    QTest::newRow("identifier over 32 bits") << chart(top, user(1, "a") + "," + user(4294967297LL, "b"))
+                                             << "members[1].K_MemberID: 4294967297 is outside the 32-bit range";
+    QTest::newRow("parent under 32 bits") << chart(top + "," + group(2, -2147483649LL), user(1, "a"))
+                                          << "groups[1].K_GroupID_P: -2147483649 is outside the 32-bit range";
+    QTest::newRow("garbage after the chart") << chart(top, user(1, "a")) + "}"
+                                             << "garbage after the object";
+    QTest::newRow("cut inside a row") << chart(top, user(1, "a")).left(60) << "not JSON at offset";
 }
 
 void TestSablectl::chartImportRefusals()
@@ -296,6 +336,7 @@ void TestSablectl::chartImportRefusals()
             home.path(QStringLiteral("bad.json")), QStringLiteral("--yes")});
     QCOMPARE(result.code, 1);
     QVERIFY2(result.err.contains(message), qPrintable(result.err));
+    QVERIFY2(result.err.contains(QLatin1String("nothing was written")), qPrintable(result.err));
     QCOMPARE(tableDump(database), before);
 }
 

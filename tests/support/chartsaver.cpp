@@ -25,7 +25,7 @@ int main(int argc, char** argv)
     if (args.size() != 4 || !file.open(QIODevice::ReadOnly))
         return 2;
     QString problem;
-    const std::optional<ChartTables> tables = ChartJson::read(file.readAll(), &problem);
+    const std::optional<ChartTables> tables = ChartJson::readFile(file, &problem);
     if (!tables) {
         std::fprintf(stderr, "chartsaver: %s\n", qPrintable(problem));
         return 2;

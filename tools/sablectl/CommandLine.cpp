@@ -137,12 +137,12 @@ bool askOnTerminal(Context& context, const QString& question)
     return answer[0] == 'y' || answer[0] == 'Y';
 }
 
-bool loadChart(Context& context, CSableManagerDoc& doc, LoadProblems* problems)
+bool loadChart(Context& context, CSableManagerDoc& doc, LoadProblems* problems, ChartReader::Use use)
 {
     context.config.read();
     QuietProgress progress;
     const std::atomic<int> bContinue {1};
-    ChartReader::Result result = ChartReader::read(connector(context), progress, bContinue);
+    ChartReader::Result result = ChartReader::read(connector(context), progress, bContinue, use);
     if (result.outcome != ChartReader::Outcome::Loaded) {
         context.fail(ChartReader::message(result.outcome) + u'\n' + result.errorText);
         return false;

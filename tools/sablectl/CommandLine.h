@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/ChartReader.h"
 #include "platform/AppPaths.h"
 #include "server/StartupConfig.h"
 
@@ -84,7 +85,8 @@ std::function<DbConnection()> connector(Context& context);
 bool askOnTerminal(Context& context, const QString& question);
 // Reads the chart, the ranks and the file-box lists into `doc`; false after saying why. What the
 // chart could not place goes to `problems`, or, without it, to stderr.
-bool loadChart(Context& context, CSableManagerDoc& doc, LoadProblems* problems = nullptr);
+bool loadChart(Context& context, CSableManagerDoc& doc, LoadProblems* problems = nullptr,
+    ChartReader::Use use = ChartReader::Use::Editing);
 // The server's services as the registry's "ServiceManager" says they are run.
 std::unique_ptr<ServerServiceControl> openServiceControl(Context& context);
 

@@ -2,6 +2,7 @@
 
 #include "db/DbConnection.h"
 #include "db/DbSchema.h"
+#include "db/PostgresCopy.h"
 #include "db/SqliteNative.h"
 
 #include <QSqlError>
@@ -39,6 +40,9 @@ BatchInserter::BatchInserter(DbConnection& connection, const QString& table, con
     if (sqlite3* native = SqliteNative::handle(connection.database())) {
         m_native = std::make_unique<SqliteNative::Statement>(native, statement(1));
         m_rowsPerStatement = 1;
+    } else if (pg_conn* pg = PostgresCopy::handle(connection.database())) {
+        m_copy = std::make_unique<PostgresCopy::Writer>(pg, table, columns);
+        m_rowsPerStatement = 1;
     }
     m_pending.reserve(m_rowsPerStatement * columns.size());
 }
@@ -58,6 +62,12 @@ bool BatchInserter::add(const QVariantList& values)
         m_connection.recordError(m_native->lastError());
         return false;
     }
+    if (m_copy) {
+        if (m_copy->add(values))
+            return true;
+        m_connection.recordError(m_copy->lastError());
+        return false;
+    }
     m_pending.append(values);
     ++m_pendingRows;
     return m_pendingRows < m_rowsPerStatement || flush();
@@ -65,6 +75,12 @@ bool BatchInserter::add(const QVariantList& values)
 
 bool BatchInserter::flush()
 {
+    if (m_copy) {
+        if (m_copy->finish())
+            return true;
+        m_connection.recordError(m_copy->lastError());
+        return false;
+    }
     if (m_pendingRows == 0)
         return true;
     const bool ok = execute(m_pendingRows);

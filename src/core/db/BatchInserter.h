@@ -12,12 +12,17 @@ namespace sable {
 namespace SqliteNative {
 class Statement;
 }
+namespace PostgresCopy {
+class Writer;
+}
 
 class DbConnection;
 
 // Inserts rows into one table with bound values, several rows per statement where the engine takes
 // that: a save writes hundreds of thousands of rows, and one statement per row is bound by the
-// round trips to a database server. The rows stored are the same either way.
+// round trips to a database server. The embedded engine gets its rows through its own API and
+// PostgreSQL through a bulk copy where the build allows; the rows stored are the same either way.
+// Rows not flushed are not written; on PostgreSQL's bulk copy they fail the transaction as well.
 class BatchInserter
 {
 public:
@@ -49,6 +54,7 @@ private:
     QSqlQuery m_fullBatch;
     bool m_bFullBatchPrepared = false;
     std::unique_ptr<SqliteNative::Statement> m_native; // the embedded engine's own API, where available
+    std::unique_ptr<PostgresCopy::Writer> m_copy; // PostgreSQL's bulk copy, where available
 };
 
 } // namespace sable

@@ -84,6 +84,7 @@ public:
         : m_query(std::move(query))
     { }
     bool next() override { return m_query->next(); }
+    QSqlError error() const override { return m_query->lastError(); }
     bool isNull(int n) const override { return m_query->isNull(n); }
     qint64 integer(int n) const override
     {
@@ -126,6 +127,16 @@ void DbRecordset::moveNext()
 {
     if (m_rows && !m_bEof)
         m_bEof = !m_rows->next();
+}
+
+bool DbRecordset::hasFailed() const
+{
+    return m_rows && m_bEof && m_rows->error().isValid();
+}
+
+QSqlError DbRecordset::error() const
+{
+    return m_rows ? m_rows->error() : QSqlError();
 }
 
 void DbRecordset::close()

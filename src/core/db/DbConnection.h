@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -31,6 +32,10 @@ public:
     bool isValid() const { return m_rows != nullptr; }
     bool isOpen() const { return m_rows != nullptr; }
     bool isEof() const { return m_bEof; }
+    // True when the rows ended because reading failed, not because there were no more: a caller
+    // that takes every row must check this after the last one (error() says why).
+    bool hasFailed() const;
+    QSqlError error() const;
     void moveNext();
     void close();
 

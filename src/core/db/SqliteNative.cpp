@@ -25,7 +25,14 @@ public:
     { }
     ~Rows() override { sqlite3_finalize(m_statement); }
 
-    bool next() override { return sqlite3_step(m_statement) == SQLITE_ROW; }
+    bool next() override
+    {
+        const int result = sqlite3_step(m_statement);
+        if (result != SQLITE_ROW && result != SQLITE_DONE)
+            m_error = errorOf(sqlite3_db_handle(m_statement), QStringLiteral("Unable to fetch row"));
+        return result == SQLITE_ROW;
+    }
+    QSqlError error() const override { return m_error; }
     bool isNull(int n) const override { return sqlite3_column_type(m_statement, n) == SQLITE_NULL; }
     qint64 integer(int n) const override
     {
@@ -42,6 +49,7 @@ public:
 
 private:
     sqlite3_stmt* m_statement;
+    QSqlError m_error;
 };
 
 sqlite3_stmt* prepare(sqlite3* db, const QString& sql)

@@ -8,17 +8,26 @@
 namespace sable {
 
 ChartNames::ChartNames(const ChartTables& tables)
-{
-    add(tables);
-}
+    : m_first(&tables)
+{ }
 
 ChartNames::ChartNames(const ChartTables& first, const ChartTables& second)
+    : m_first(&first)
+    , m_second(&second)
+{ }
+
+void ChartNames::gather() const
 {
-    add(second);
-    add(first);
+    if (m_bGathered)
+        return;
+    m_bGathered = true;
+    if (m_second)
+        add(*m_second);
+    if (m_first)
+        add(*m_first);
 }
 
-void ChartNames::add(const ChartTables& tables)
+void ChartNames::add(const ChartTables& tables) const
 {
     for (const GroupRow& row : tables.groups)
         m_groups.insert(row.K_GroupID, row.GroupName);
@@ -34,6 +43,7 @@ void ChartNames::add(const ChartTables& tables)
 
 QString ChartNames::group(int groupId) const
 {
+    gather();
     if (groupId < 0 && !m_groups.contains(groupId))
         return Msg::kTopLevel;
     return m_groups.value(groupId, Msg::kUnknownRow.arg(groupId));
@@ -41,21 +51,25 @@ QString ChartNames::group(int groupId) const
 
 QString ChartNames::member(int memberId) const
 {
+    gather();
     return m_members.value(memberId, Msg::kUnknownRow.arg(memberId));
 }
 
 QString ChartNames::loginId(int memberId) const
 {
+    gather();
     return m_logins.value(memberId);
 }
 
 QString ChartNames::rank(int rankId) const
 {
+    gather();
     return m_ranks.value(rankId, rankId < 0 ? Msg::kNoRank : Msg::kUnknownRow.arg(rankId));
 }
 
 QString ChartNames::folder(int folderId) const
 {
+    gather();
     return m_folders.value(folderId, Msg::kUnknownRow.arg(folderId));
 }
 
@@ -160,7 +174,11 @@ void describe(RowChange& change, const ChartNames& names)
 
 std::vector<RowChange> between(const ChartFingerprint& before, const ChartTables& after, const ChartNames& names)
 {
-    const ChartFingerprint now = ChartFingerprint::of(after);
+    return between(before, ChartFingerprint::of(after), names);
+}
+
+std::vector<RowChange> between(const ChartFingerprint& before, const ChartFingerprint& now, const ChartNames& names)
+{
     std::vector<RowChange> changes;
     for (int t = 0; t < kChartTableCount; ++t) {
         const auto table = static_cast<ChartTable>(t);

@@ -13,7 +13,9 @@ namespace sable {
 struct ChartTables;
 
 // What people call the rows of the chart's tables: departments and ranks by name, users by name and
-// login ID, folders by path, memberships and permissions by what they join.
+// login ID, folders by path, memberships and permissions by what they join. The names are gathered
+// when the first is asked for (a save that changes few rows of a large chart names only those), so
+// the tables must outlive the names.
 class ChartNames
 {
 public:
@@ -36,13 +38,17 @@ public:
     static QString table(ChartTable table);
 
 private:
-    void add(const ChartTables& tables);
+    void gather() const;
+    void add(const ChartTables& tables) const;
 
-    QHash<int, QString> m_groups;
-    QHash<int, QString> m_members;
-    QHash<int, QString> m_logins;
-    QHash<int, QString> m_ranks;
-    QHash<int, QString> m_folders;
+    const ChartTables* m_first = nullptr;
+    const ChartTables* m_second = nullptr;
+    mutable bool m_bGathered = false;
+    mutable QHash<int, QString> m_groups;
+    mutable QHash<int, QString> m_members;
+    mutable QHash<int, QString> m_logins;
+    mutable QHash<int, QString> m_ranks;
+    mutable QHash<int, QString> m_folders;
 };
 
 // One row that differs between two states of the tables.
@@ -69,6 +75,8 @@ namespace ChartDiff {
 // Every row added, changed or removed from `before` to `after`, table by table, ordered by key.
 // Places alone (the order of departments, members and ranks) do not count as a change of a row.
 std::vector<RowChange> between(const ChartFingerprint& before, const ChartTables& after, const ChartNames& names);
+// The same, for a caller that has the fingerprint of `after` already.
+std::vector<RowChange> between(const ChartFingerprint& before, const ChartFingerprint& after, const ChartNames& names);
 
 // The counts of a summary as the save question shows them beside it.
 QString summaryText(const ChartFingerprint::Summary& summary);

@@ -1,23 +1,45 @@
 #include "document/ChartJson.h"
 
+#include "document/ChartFileCheck.h"
+#include "document/JsonSliceReader.h"
+
+#include <QBuffer>
+#include <QIODevice>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
+#include <QStringEncoder>
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <string_view>
 
 namespace sable::ChartJson {
 namespace {
 
 // --- Writing: streamed, a row a line, so that a large chart needs no document tree in memory ---
 
+// Bytes gathered before they go to the device: the file is written as it is made, never held whole.
+constexpr qsizetype kFlushAt = 256 * 1024;
+
 class JsonWriter
 {
 public:
+    explicit JsonWriter(QIODevice& device)
+        : m_device(device)
+    {
+        m_out.reserve(static_cast<size_t>(kFlushAt) + 4096);
+    }
     void beginArray(const char* name)
     {
         m_out += m_bFirstArray ? "{\n" : "\n  ],\n";
-        m_out += "  \"" + QByteArray(name) + "\": [";
+        m_out += "  \"";
+        m_out += name;
+        m_out += "\": [";
         m_bFirstArray = false;
         m_bFirstRow = true;
     }
@@ -27,16 +49,40 @@ public:
         m_bFirstRow = false;
         m_bFirstField = true;
     }
-    void field(const char* name, int value) { key(name), m_out += QByteArray::number(value); }
+    void field(const char* name, int value)
+    {
+        key(name);
+        char digits[16];
+        const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        m_out.append(digits, static_cast<size_t>(end - digits));
+    }
     void field(const char* name, const QString& value)
     {
         key(name);
         string(value);
     }
-    void endRow() { m_out += '}'; }
-    QByteArray finish() { return m_out + "\n  ]\n}\n"; }
+    void endRow()
+    {
+        m_out += '}';
+        if (m_out.size() >= static_cast<size_t>(kFlushAt))
+            flush();
+    }
+    // False when the device refused a write.
+    bool finish()
+    {
+        m_out += "\n  ]\n}\n";
+        flush();
+        return m_bOk;
+    }
 
 private:
+    void flush()
+    {
+        if (m_bOk
+            && m_device.write(m_out.data(), static_cast<qint64>(m_out.size())) != static_cast<qint64>(m_out.size()))
+            m_bOk = false;
+        m_out.clear(); // keeps the capacity for the next rows
+    }
     void key(const char* name)
     {
         m_out += m_bFirstField ? "\"" : ", \"";
@@ -44,41 +90,79 @@ private:
         m_out += "\": ";
         m_bFirstField = false;
     }
+    void escape(unsigned char c)
+    {
+        switch (c) {
+        case '"':
+            m_out += "\\\"";
+            break;
+        case '\\':
+            m_out += "\\\\";
+            break;
+        case '\n':
+            m_out += "\\n";
+            break;
+        case '\r':
+            m_out += "\\r";
+            break;
+        case '\t':
+            m_out += "\\t";
+            break;
+        default:
+            m_out += "\\u00";
+            m_out += "0123456789abcdef"[c >> 4];
+            m_out += "0123456789abcdef"[c & 15];
+        }
+    }
     void string(const QString& value)
     {
         m_out += '"';
-        for (const char c : value.toUtf8()) {
-            switch (c) {
-            case '"':
-                m_out += "\\\"";
-                break;
-            case '\\':
-                m_out += "\\\\";
-                break;
-            case '\n':
-                m_out += "\\n";
-                break;
-            case '\r':
-                m_out += "\\r";
-                break;
-            case '\t':
-                m_out += "\\t";
-                break;
-            default:
-                if (static_cast<unsigned char>(c) < 0x20)
-                    m_out += QByteArray("\\u00")
-                        + QByteArray::number(static_cast<unsigned char>(c), 16).rightJustified(2, '0');
-                else
-                    m_out += c;
-            }
+        // Encoded straight into the buffer (three bytes at most for each UTF-16 unit); most texts need
+        // no escape and stay as they were encoded.
+        const size_t start = m_out.size();
+        m_out.resize(start + static_cast<size_t>(value.size()) * 3);
+        char* end = m_encoder.appendToBuffer(m_out.data() + start, value);
+        m_out.resize(static_cast<size_t>(end - m_out.data()));
+        if (m_encoder.hasError()) {
+            // Half a surrogate pair: written as every other conversion of the program writes it.
+            m_encoder.resetState();
+            m_out.resize(start);
+            const QByteArray utf8 = value.toUtf8();
+            m_out.append(utf8.constData(), static_cast<size_t>(utf8.size()));
+        }
+        const auto needsEscape = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\'; };
+        if (std::any_of(m_out.cbegin() + static_cast<std::ptrdiff_t>(start), m_out.cend(), needsEscape)) {
+            const std::string utf8 = m_out.substr(start);
+            m_out.resize(start);
+            escaped(utf8);
         }
         m_out += '"';
     }
+    void escaped(std::string_view utf8)
+    {
+        // Runs of bytes that need no escape are copied at once.
+        size_t plain = 0;
+        for (size_t i = 0; i < utf8.size(); ++i) {
+            const auto c = static_cast<unsigned char>(utf8[i]);
+            if (c >= 0x20 && c != '"' && c != '\\')
+                continue;
+            m_out.append(utf8.substr(plain, i - plain));
+            escape(c);
+            plain = i + 1;
+        }
+        m_out.append(utf8.substr(plain));
+    }
 
-    QByteArray m_out;
+    QIODevice& m_device;
+    // A standard string: its appends of a few bytes cost a fraction of QByteArray's, and a file
+    // is made of little else.
+    std::string m_out;
+    // Stateless: half a surrogate pair at the end of one text must not reach into the next.
+    QStringEncoder m_encoder {QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
     bool m_bFirstArray = true;
     bool m_bFirstRow = true;
     bool m_bFirstField = true;
+    bool m_bOk = true;
 };
 
 void writeAuthorities(JsonWriter& json, const char* name, const char* grantee, const std::vector<AuthorityRecord>& list)
@@ -110,9 +194,18 @@ public:
     int number(const char* name)
     {
         const QJsonValue value = m_row.value(QLatin1String(name));
-        if (!value.isDouble() || value.toDouble() != static_cast<double>(value.toInteger()))
+        const double number = value.toDouble();
+        if (!value.isDouble() || number != std::trunc(number)) {
             fail(QStringLiteral("%1.%2: expected a whole number").arg(m_place, QLatin1String(name)));
-        return static_cast<int>(value.toInteger());
+            return 0;
+        }
+        // Every identifier and position is a 32-bit column: a larger number would be stored cut.
+        if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max()) {
+            fail(QStringLiteral("%1.%2: %3 is outside the 32-bit range")
+                     .arg(m_place, QLatin1String(name), QString::number(number, 'f', 0)));
+            return 0;
+        }
+        return static_cast<int>(number);
     }
     QString text(const char* name)
     {
@@ -135,25 +228,6 @@ private:
     QString* m_error;
 };
 
-// Calls `read` for every row of the array `name`; false on the first problem.
-template <typename F>
-bool forEachRow(const QJsonObject& root, const char* name, QString* error, F&& read)
-{
-    const QJsonValue array = root.value(QLatin1String(name));
-    if (!array.isArray()) {
-        *error = QStringLiteral("%1: expected an array").arg(QLatin1String(name));
-        return false;
-    }
-    const QJsonArray rows = array.toArray();
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        RowReader row(rows[i], QStringLiteral("%1[%2]").arg(QLatin1String(name)).arg(i), error);
-        read(row);
-        if (!row.ok())
-            return false;
-    }
-    return true;
-}
-
 MemberRecord readMember(RowReader& row)
 {
     MemberRecord m;
@@ -175,40 +249,111 @@ MemberRecord readMember(RowReader& row)
     return m;
 }
 
-bool readChart(const QJsonObject& root, ChartTables& tables, QString* error)
+// One array of the file and what a row of it adds to the tables.
+struct ArrayKind
 {
-    const bool ok = forEachRow(root, "members", error, [&](RowReader& row) {
-        tables.members.push_back(readMember(row));
-    }) && forEachRow(root, "groups", error, [&](RowReader& row) {
-        tables.groups.push_back({row.number("K_GroupID"), row.text("GroupName"), row.number("K_GroupID_P"),
-            row.number("Position"), row.number("Depth")});
-    }) && forEachRow(root, "relations", error, [&](RowReader& row) {
-        tables.relations.push_back(
-            {row.number("K_MemberID"), row.number("K_GroupID"), row.number("K_RankID"), row.number("Position")});
-    });
-    if (!ok)
-        return false;
-    // Departments arrive as a load reads them: ordered by Depth, then Position.
+    const char* name;
+    bool bOptional; // files written before the directory sync have no links: none are kept
+    void (*read)(RowReader& row, ChartTables& tables);
+};
+
+const std::vector<ArrayKind>& arrayKinds()
+{
+    static const std::vector<ArrayKind> kinds = {
+        {"members", false, [](RowReader& row, ChartTables& t) { t.members.push_back(readMember(row)); }},
+        {"groups", false,
+            [](RowReader& row, ChartTables& t) {
+                t.groups.push_back({row.number("K_GroupID"), row.text("GroupName"), row.number("K_GroupID_P"),
+                    row.number("Position"), row.number("Depth")});
+            }},
+        {"relations", false,
+            [](RowReader& row, ChartTables& t) {
+                t.relations.push_back({row.number("K_MemberID"), row.number("K_GroupID"), row.number("K_RankID"),
+                    row.number("Position")});
+            }},
+        {"ranks", false,
+            [](RowReader& row, ChartTables& t) {
+                t.ranks.insert(t.ranks.count(), {row.number("K_RankID"), row.text("RankName")});
+            }},
+        {"folders", false,
+            [](RowReader& row, ChartTables& t) {
+                t.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
+            }},
+        {"groupAuthorities", false,
+            [](RowReader& row, ChartTables& t) {
+                t.fileBox.groupAuthorities.push_back({row.number("K_FolderID"), row.number("K_GroupID"),
+                    FileBoxLists::levelFromText(row.text("Authority"))});
+            }},
+        {"userAuthorities", false,
+            [](RowReader& row, ChartTables& t) {
+                t.fileBox.userAuthorities.push_back({row.number("K_FolderID"), row.number("K_MemberID"),
+                    FileBoxLists::levelFromText(row.text("Authority"))});
+            }},
+        {"directoryLinks", true,
+            [](RowReader& row, ChartTables& t) {
+                t.links.set(row.number("K_MemberID"), DirectoryLink {row.text("EntryID"), row.text("EntryDN")});
+            }},
+    };
+    return kinds;
+}
+
+QString rowPlace(const ArrayKind& kind, qsizetype index)
+{
+    return QStringLiteral("%1[%2]").arg(QLatin1String(kind.name)).arg(index);
+}
+
+QString notAnArray(const ArrayKind& kind)
+{
+    return QStringLiteral("%1: expected an array").arg(QLatin1String(kind.name));
+}
+
+// Departments arrive as a load reads them: ordered by Depth, then Position.
+void orderAsLoaded(ChartTables& tables)
+{
     std::stable_sort(tables.groups.begin(), tables.groups.end(), [](const GroupRow& a, const GroupRow& b) {
         return std::pair(a.Depth, a.Position) < std::pair(b.Depth, b.Position);
     });
-    return true;
 }
 
-bool readAuthorities(
-    const QJsonObject& root, const char* name, const char* grantee, std::vector<AuthorityRecord>& list, QString* error)
+// Reads the rows of one array from the stream, each element parsed on its own.
+bool readStreamedRows(JsonSliceReader& in, const ArrayKind& kind, ChartTables& tables, QString* error)
 {
-    return forEachRow(root, name, error, [&](RowReader& row) {
-        list.push_back(
-            {row.number("K_FolderID"), row.number(grantee), FileBoxLists::levelFromText(row.text("Authority"))});
-    });
+    if (!in.beginArray()) {
+        *error = in.failed() ? in.error() : notAnArray(kind);
+        return false;
+    }
+    QByteArray text;
+    qint64 offset = 0;
+    for (qsizetype i = 0; in.nextElement(&text, &offset); ++i) {
+        QJsonParseError parse;
+        const QJsonDocument element = QJsonDocument::fromJson(text, &parse);
+        if (parse.error != QJsonParseError::NoError && text.startsWith('{')) {
+            *error = QStringLiteral("not JSON at offset %1: %2").arg(offset + parse.offset).arg(parse.errorString());
+            return false;
+        }
+        RowReader row(element.isObject() ? QJsonValue(element.object()) : QJsonValue(), rowPlace(kind, i), error);
+        kind.read(row, tables);
+        if (!row.ok())
+            return false;
+    }
+    *error = in.error();
+    return !in.failed();
 }
 
 } // namespace
 
 QByteArray write(const ChartTables& tables)
 {
-    JsonWriter json;
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    write(tables, buffer);
+    return bytes;
+}
+
+bool write(const ChartTables& tables, QIODevice& out)
+{
+    JsonWriter json(out);
     json.beginArray("groups");
     for (const GroupRow& g : tables.groups) {
         json.beginRow();
@@ -278,44 +423,73 @@ QByteArray write(const ChartTables& tables)
     return json.finish();
 }
 
-std::optional<ChartTables> read(const QByteArray& json, QString* error)
-{
-    error->clear();
-    QJsonParseError parse;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &parse);
-    if (parse.error != QJsonParseError::NoError) {
-        *error = QStringLiteral("not JSON at offset %1: %2").arg(parse.offset).arg(parse.errorString());
-        return std::nullopt;
-    }
-    if (!document.isObject()) {
-        *error = QStringLiteral("expected one object");
-        return std::nullopt;
-    }
-    return read(document.object(), error);
-}
-
 std::optional<ChartTables> read(const QJsonObject& root, QString* error)
 {
     error->clear();
     ChartTables tables;
-    const bool ok = readChart(root, tables, error)
-        && forEachRow(root, "ranks", error,
-            [&](RowReader& row) {
-                tables.ranks.insert(tables.ranks.count(), {row.number("K_RankID"), row.text("RankName")});
-            })
-        && forEachRow(root, "folders", error,
-            [&](RowReader& row) {
-                tables.fileBox.folders.push_back({row.number("K_FolderID"), row.text("FolderPath")});
-            })
-        && readAuthorities(root, "groupAuthorities", "K_GroupID", tables.fileBox.groupAuthorities, error)
-        && readAuthorities(root, "userAuthorities", "K_MemberID", tables.fileBox.userAuthorities, error)
-        // Files written before the directory sync have no links: none are kept.
-        && (!root.contains(QStringLiteral("directoryLinks"))
-            || forEachRow(root, "directoryLinks", error, [&](RowReader& row) {
-                   tables.links.set(row.number("K_MemberID"), DirectoryLink {row.text("EntryID"), row.text("EntryDN")});
-               }));
-    if (!ok)
+    for (const ArrayKind& kind : arrayKinds()) {
+        const QJsonValue array = root.value(QLatin1String(kind.name));
+        if (kind.bOptional && array.isUndefined())
+            continue;
+        if (!array.isArray()) {
+            *error = notAnArray(kind);
+            return std::nullopt;
+        }
+        const QJsonArray rows = array.toArray();
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            RowReader row(rows[i], rowPlace(kind, i), error);
+            kind.read(row, tables);
+            if (!row.ok())
+                return std::nullopt;
+        }
+    }
+    orderAsLoaded(tables);
+    return tables;
+}
+
+std::optional<ChartTables> readFile(QIODevice& in, QString* error)
+{
+    error->clear();
+    ChartTables tables;
+    JsonSliceReader json(in);
+    if (!json.beginObject()) {
+        *error = json.error();
         return std::nullopt;
+    }
+    QSet<QString> seen;
+    QString key;
+    while (json.nextKey(&key)) {
+        const auto kind = std::find_if(arrayKinds().begin(), arrayKinds().end(),
+            [&key](const ArrayKind& k) { return key == QLatin1String(k.name); });
+        if (kind == arrayKinds().end()) {
+            if (!json.skipValue())
+                break;
+            continue;
+        }
+        if (seen.contains(key)) {
+            *error = QStringLiteral("%1: the array appears twice").arg(key);
+            return std::nullopt;
+        }
+        seen.insert(key);
+        if (!readStreamedRows(json, *kind, tables, error))
+            return std::nullopt;
+    }
+    if (json.failed() || !json.atEnd()) {
+        *error = json.error();
+        return std::nullopt;
+    }
+    for (const ArrayKind& kind : arrayKinds()) {
+        if (!kind.bOptional && !seen.contains(QLatin1String(kind.name))) {
+            *error = notAnArray(kind);
+            return std::nullopt;
+        }
+    }
+    const QStringList problems = ChartFileCheck::problems(tables);
+    if (!problems.isEmpty()) {
+        *error = problems.join(QStringLiteral("; "));
+        return std::nullopt;
+    }
+    orderAsLoaded(tables);
     return tables;
 }
 

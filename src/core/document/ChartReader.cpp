@@ -19,11 +19,12 @@ class Load
 {
 public:
     Load(DbConnection& connection, ChartContents& contents, LoadProblems& problems, LoadProgress& progress,
-        const std::atomic<int>& bContinue)
+        const std::atomic<int>& bContinue, bool bPrint)
         : m_db(connection)
         , m_builder(*contents.chart)
         , m_stored(contents.stored)
         , m_problems(problems)
+        , m_bPrint(bPrint)
         , m_progress(progress)
         , m_bContinue(bContinue)
     { }
@@ -50,6 +51,7 @@ private:
     // What the database holds, row by row as it passes: what a save later compares it with.
     ChartFingerprint& m_stored;
     LoadProblems& m_problems;
+    const bool m_bPrint;
     qint64 m_fields[ChartFields::kMemberFieldCount] = {};
     LoadProgress& m_progress;
     const std::atomic<int>& m_bContinue;
@@ -88,8 +90,10 @@ Outcome Load::members()
         if (stopped())
             return Outcome::OpenFailed;
         MemberRecord member = ChartStore::memberAt(rows);
-        ChartFingerprint::printMember(member, m_fields);
-        m_stored.add(ChartTable::Members, member.K_MemberID, m_fields);
+        if (m_bPrint) {
+            ChartFingerprint::printMember(member, m_fields);
+            m_stored.add(ChartTable::Members, member.K_MemberID, m_fields);
+        }
         m_builder.addMember(std::move(member));
     }
     return Outcome::Loaded;
@@ -109,8 +113,10 @@ Outcome Load::groups()
             return Outcome::OpenFailed;
         m_progress.setPosition(count);
         const GroupRow group = ChartStore::groupAt(rows);
-        ChartFingerprint::printGroup(group, m_fields);
-        m_stored.add(ChartTable::Groups, group.K_GroupID, m_fields);
+        if (m_bPrint) {
+            ChartFingerprint::printGroup(group, m_fields);
+            m_stored.add(ChartTable::Groups, group.K_GroupID, m_fields);
+        }
         m_builder.addGroup(group);
     }
     return Outcome::Loaded;
@@ -129,9 +135,11 @@ Outcome Load::relations()
         return Outcome::ReadFailed;
     for (int count = 1; !rows.isEof(); rows.moveNext()) {
         const RelationRow relation = ChartStore::relationAt(rows);
-        ChartFingerprint::printRelation(relation, m_fields);
-        m_stored.add(
-            ChartTable::Relations, ChartFingerprint::relationKey(relation.K_MemberID, relation.K_GroupID), m_fields);
+        if (m_bPrint) {
+            ChartFingerprint::printRelation(relation, m_fields);
+            m_stored.add(ChartTable::Relations, ChartFingerprint::relationKey(relation.K_MemberID, relation.K_GroupID),
+                m_fields);
+        }
         m_progress.setPosition(count++);
         if (stopped())
             return Outcome::OpenFailed;
@@ -158,7 +166,7 @@ void addSmallTables(ChartContents& contents)
 } // namespace
 
 ChartReader::Result ChartReader::read(
-    const std::function<DbConnection()>& connect, LoadProgress& progress, const std::atomic<int>& bContinue)
+    const std::function<DbConnection()>& connect, LoadProgress& progress, const std::atomic<int>& bContinue, Use use)
 {
     Result result;
     progress.setText(Msg::kLoadOpening);
@@ -178,7 +186,7 @@ ChartReader::Result ChartReader::read(
     Outcome chart = Outcome::Loaded;
     {
         // The builder puts together what was read when the load ends, also when it ends early.
-        Load load(connection, result.contents, result.problems, progress, bContinue);
+        Load load(connection, result.contents, result.problems, progress, bContinue, use == Use::Editing);
         chart = load.run();
     }
     if (chart != Outcome::Loaded)
@@ -191,7 +199,8 @@ ChartReader::Result ChartReader::read(
         return fail(Outcome::Stopped);
     if (!FileBoxStore::load(connection, result.contents.fileBox))
         return fail(Outcome::ReadFailed);
-    addSmallTables(result.contents);
+    if (use == Use::Editing)
+        addSmallTables(result.contents);
     if (!DirectoryLinkStore::load(connection, result.contents.directoryLinks))
         return fail(Outcome::ReadFailed);
     connection.close();

@@ -42,10 +42,18 @@ public:
         QString errorText; // the database's error text of a failure
     };
 
+    // What the contents are read for. Only what may be saved again needs the print of what the
+    // database holds (contents.stored), which costs a fifth of a large chart's load.
+    enum class Use
+    {
+        Editing,
+        ReadingOnly, // an export: contents.stored stays empty
+    };
+
     // `connect` opens the database as start-up chooses it; `bContinue` goes to 0 when the
     // administrator stops the load and is looked at for every row and between the phases.
-    static Result read(
-        const std::function<DbConnection()>& connect, LoadProgress& progress, const std::atomic<int>& bContinue);
+    static Result read(const std::function<DbConnection()>& connect, LoadProgress& progress,
+        const std::atomic<int>& bContinue, Use use = Use::Editing);
 
     // The message the administrator sees for an outcome; empty for none.
     static QString message(Outcome outcome);

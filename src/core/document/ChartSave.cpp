@@ -39,7 +39,7 @@ private:
     bool checkBeforeWriting();
     bool writeInTransaction(DbConnection& db);
     void raiseVersion();
-    bool keepRestorePoint(DbConnection& db, const ChartTables& theirs);
+    bool keepRestorePoint(DbConnection& db, const ChartTables& theirs, const ChartFingerprint& theirPrint);
     bool refuse(const QString& why)
     {
         m_result.refusal = why;
@@ -69,13 +69,13 @@ bool Writing::checkBeforeWriting()
     return true;
 }
 
-bool Writing::keepRestorePoint(DbConnection& db, const ChartTables& theirs)
+bool Writing::keepRestorePoint(DbConnection& db, const ChartTables& theirs, const ChartFingerprint& theirPrint)
 {
     std::optional<UserData> userData = ChartStore::readUserData(db, m_doc.deletedMembers());
     if (!userData)
         return false;
-    RestorePoint point {m_savedAt, m_author,
-        ChartDiff::summaryLines(ChartFingerprint::of(theirs).changesTo(m_result.print)), theirs, std::move(*userData)};
+    RestorePoint point {m_savedAt, m_author, ChartDiff::summaryLines(theirPrint.changesTo(m_result.print)), theirs,
+        std::move(*userData)};
     QString problem;
     if (!m_points.write(point, &problem))
         return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
@@ -87,16 +87,16 @@ bool Writing::writeInTransaction(DbConnection& db)
     std::optional<ChartTables> theirs = ChartTables::read(db);
     if (!theirs)
         return false;
-    if (!m_with.bReplace && ChartFingerprint::of(*theirs) != m_doc.base()) {
+    const ChartFingerprint theirPrint = ChartFingerprint::of(*theirs);
+    if (!m_with.bReplace && theirPrint != m_doc.base()) {
         m_result.theirs = std::make_shared<const ChartTables>(std::move(*theirs));
         return false;
     }
-    if (!m_with.restoreFolder.isEmpty() && !keepRestorePoint(db, *theirs))
+    if (!m_with.restoreFolder.isEmpty() && !keepRestorePoint(db, *theirs, theirPrint))
         return false;
     if (!ChangeJournal::ensureTables(db))
         return refuse(Msg::kSaveJournalFailed.arg(DbConnection::lastError()));
-    const std::vector<RowChange> changes
-        = ChartDiff::between(ChartFingerprint::of(*theirs), m_mine, ChartNames(m_mine, *theirs));
+    const std::vector<RowChange> changes = ChartDiff::between(theirPrint, m_result.print, ChartNames(m_mine, *theirs));
     if (!ChangeJournal::record(db, m_savedAt, m_author, changes))
         return false;
     if (!ChartSave::writeTables(db, m_doc, m_mine) || !db.commitTrans())

@@ -23,6 +23,11 @@ bool readAll(DbConnection& connection, const QString& sql, std::vector<Row>& row
         return false;
     for (; !records.isEof(); records.moveNext())
         rows.push_back(decode(records));
+    // Rows cut short by a busy or lost database are no table: the caller must not take them for one.
+    if (records.hasFailed()) {
+        connection.recordError(records.error());
+        return false;
+    }
     return true;
 }
 
@@ -59,20 +64,26 @@ std::optional<ChartTables> ChartTables::read(DbConnection& connection)
     return tables;
 }
 
-ChartContents ChartTables::toContents() const
+ChartContents ChartTables::toContents() const&
+{
+    return ChartTables(*this).toContents();
+}
+
+ChartContents ChartTables::toContents() &&
 {
     ChartContents contents;
     ChartBuilder builder(*contents.chart);
-    for (const MemberRecord& member : members)
-        builder.addMember(member);
+    for (MemberRecord& member : members)
+        builder.addMember(std::move(member));
+    members = {};
     for (const GroupRow& group : groups)
         builder.addGroup(group);
     for (const RelationRow& relation : relations)
         builder.addRelation(relation);
     builder.finish();
-    contents.ranks = ranks;
-    contents.fileBox = fileBox;
-    contents.directoryLinks = links;
+    contents.ranks = std::move(ranks);
+    contents.fileBox = std::move(fileBox);
+    contents.directoryLinks = std::move(links);
     return contents;
 }
 

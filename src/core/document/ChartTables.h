@@ -35,8 +35,10 @@ struct ChartTables
     // connection's last error says why).
     static std::optional<ChartTables> read(DbConnection& connection);
 
-    // The chart a load places from these rows, with the ranks and the file-box lists.
-    ChartContents toContents() const;
+    // The chart a load places from these rows, with the ranks and the file-box lists. The second
+    // takes the rows' texts instead of copying them, for a caller that needs the rows no more.
+    ChartContents toContents() const&;
+    ChartContents toContents() &&;
 
     // Puts the departments in the order a chart is built from: by Depth, then by Position. Depth
     // follows from the parents (a department whose parent is missing counts as a top one).

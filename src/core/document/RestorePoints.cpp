@@ -115,15 +115,19 @@ bool RestorePoints::prepare(QString* problem) const
 
 bool RestorePoints::write(const RestorePoint& point, QString* problem) const
 {
-    QByteArray json = "{\"restorePoint\": " + QJsonDocument(metaOf(point)).toJson(QJsonDocument::Compact) + ",\n";
-    json += "\"userData\": " + QJsonDocument(userDataJson(point.userData)).toJson(QJsonDocument::Compact) + ",\n";
-    json += "\"chart\": " + ChartJson::write(point.tables) + "}\n";
-    const QByteArray gzipped = Gzip::compress(json);
+    QByteArray head = "{\"restorePoint\": " + QJsonDocument(metaOf(point)).toJson(QJsonDocument::Compact) + ",\n";
+    head += "\"userData\": " + QJsonDocument(userDataJson(point.userData)).toJson(QJsonDocument::Compact) + ",\n";
+    head += "\"chart\": ";
     QSaveFile file(QDir(m_folder).filePath(fileNameFor(point)));
     // What the server's users typed lives in these files: for the owner's eyes only.
-    if (gzipped.isEmpty() || !file.open(QIODevice::WriteOnly)
-        || !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)
-        || file.write(gzipped) != gzipped.size() || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)) {
+        *problem = file.fileName() + QStringLiteral(": ") + file.errorString();
+        return false;
+    }
+    // Packed as it is written: the text of a large chart is never held whole beside the chart.
+    Gzip::Writer gzip(file);
+    if (gzip.write(head) != head.size() || !ChartJson::write(point.tables, gzip) || gzip.write("}\n", 2) != 2
+        || !gzip.finish() || !file.commit()) {
         *problem = file.fileName() + QStringLiteral(": ") + file.errorString();
         return false;
     }

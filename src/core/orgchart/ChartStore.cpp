@@ -101,7 +101,32 @@ bool forEachBatch(const QList<int>& ids, const std::function<bool(const QString&
     return true;
 }
 
+std::optional<std::vector<int>> storedIds(DbConnection& connection, const QString& sql)
+{
+    DbRecordset rows = connection.execute(sql);
+    if (!rows.isValid())
+        return std::nullopt;
+    std::vector<int> ids;
+    for (; !rows.isEof(); rows.moveNext())
+        ids.push_back(rows.fieldInt(0));
+    if (rows.hasFailed()) {
+        connection.recordError(rows.error());
+        return std::nullopt;
+    }
+    return ids;
+}
+
 } // namespace
+
+std::optional<std::vector<int>> storedMemberIds(DbConnection& connection)
+{
+    return storedIds(connection, QStringLiteral("SELECT K_MemberID FROM SD_Member"));
+}
+
+std::optional<std::vector<int>> storedGroupIds(DbConnection& connection)
+{
+    return storedIds(connection, QStringLiteral("SELECT K_GroupID FROM SD_Group"));
+}
 
 QString membersQuery()
 {

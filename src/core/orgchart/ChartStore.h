@@ -43,6 +43,11 @@ RelationRow relationAt(const DbRecordset& rows);
 bool write(DbConnection& connection, const std::vector<GroupRow>& groups, const std::vector<MemberRecord>& members,
     const std::vector<RelationRow>& relations);
 
+// Every K_MemberID of SD_Member, or every K_GroupID of SD_Group, the database holds now; nullopt
+// when reading failed, never a shorter list (the connection's last error says why).
+std::optional<std::vector<int>> storedMemberIds(DbConnection& connection);
+std::optional<std::vector<int>> storedGroupIds(DbConnection& connection);
+
 // The per-user rows the deletion cascade would remove for `memberIds`; nullopt when a statement failed.
 std::optional<UserData> readUserData(DbConnection& connection, const QList<int>& memberIds);
 // Inserts the rows as they were; false when a statement failed.

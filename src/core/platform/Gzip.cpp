@@ -1,5 +1,6 @@
 #include "platform/Gzip.h"
 
+#include <QBuffer>
 #include <QFile>
 
 #include <zlib.h>
@@ -49,20 +50,65 @@ private:
 
 } // namespace
 
-QByteArray compress(const QByteArray& bytes)
+struct Writer::Stream
 {
-    z_stream stream {};
-    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY) != Z_OK)
-        return {};
-    QByteArray out(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(bytes.size()))), Qt::Uninitialized);
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.constData()));
-    stream.avail_in = static_cast<uInt>(bytes.size());
-    stream.next_out = reinterpret_cast<Bytef*>(out.data());
-    stream.avail_out = static_cast<uInt>(out.size());
-    const int status = deflate(&stream, Z_FINISH);
-    out.resize(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return status == Z_STREAM_END ? out : QByteArray();
+    z_stream z {};
+    QByteArray out = QByteArray(kChunk, Qt::Uninitialized);
+};
+
+Writer::Writer(QIODevice& target)
+    : m_target(target)
+    , m_stream(std::make_unique<Stream>())
+{
+    m_bOk = deflateInit2(&m_stream->z, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY) == Z_OK;
+    open(QIODevice::WriteOnly);
+}
+
+Writer::~Writer()
+{
+    deflateEnd(&m_stream->z);
+}
+
+bool Writer::deflateInto(int flush)
+{
+    z_stream& z = m_stream->z;
+    int status = Z_OK;
+    do {
+        z.next_out = reinterpret_cast<Bytef*>(m_stream->out.data());
+        z.avail_out = static_cast<uInt>(kChunk);
+        status = deflate(&z, flush);
+        const qint64 produced = kChunk - static_cast<qint64>(z.avail_out);
+        if (status == Z_STREAM_ERROR || m_target.write(m_stream->out.constData(), produced) != produced)
+            return m_bOk = false;
+    } while (z.avail_out == 0 || (flush == Z_FINISH && status != Z_STREAM_END));
+    return true;
+}
+
+qint64 Writer::writeData(const char* data, qint64 size)
+{
+    if (!m_bOk)
+        return -1;
+    m_stream->z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data));
+    m_stream->z.avail_in = static_cast<uInt>(size);
+    return deflateInto(Z_NO_FLUSH) ? size : -1;
+}
+
+bool Writer::finish()
+{
+    if (!m_bOk)
+        return false;
+    m_stream->z.avail_in = 0;
+    return deflateInto(Z_FINISH);
+}
+
+QByteArray compress(const QByteArray& plain)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    Writer writer(buffer);
+    writer.write(plain);
+    writer.finish();
+    return buffer.data();
 }
 
 std::optional<QByteArray> decompress(const QByteArray& gzipped, qint64 limit)
