@@ -100,7 +100,7 @@ grep -q "<project_license>$license</project_license>" "$metainfo" || fail "metai
 
 warnings=$(MANWIDTH=80 LC_ALL=C.UTF-8 man --warnings -l "$manpage" 2>&1 >/dev/null)
 [ -z "$warnings" ] || fail "man warnings: $warnings"
-manual=$(MANWIDTH=200 LC_ALL=C.UTF-8 man -l "$manpage" 2>/dev/null | col -b)
+manual=$(MANWIDTH=400 LC_ALL=C.UTF-8 man -l "$manpage" 2>/dev/null | col -b)
 
 sablectl=$usr/bin/sablectl
 help=$(env -u SABLE_HOME "$sablectl" --help) || fail "sablectl --help exited with $?"
@@ -132,11 +132,16 @@ done <<<"$commands"
 # Every option of a usage line in the manual's heading of its command (and no other there), and
 # offered by the completion after the command.
 while read -r first second rest; do
-    heading=$(grep -m1 -E "^ {7}$first $second( |$)" <<<"$manual" || true)
+    # A command of one word (log) has its options right after it.
+    if [[ $second == [-[]* ]]; then
+        rest="$second $rest"
+        second=
+    fi
+    heading=$(grep -m1 -E "^ {7}$first${second:+ $second}( |$)" <<<"$manual" || true)
     for option in $(grep -o -- '--[a-z-]*' <<<"$rest" | sort -u); do
-        grep -q -- "$option\b" <<<"$heading" || fail "the manual's $first $second lacks $option"
+        grep -q -- "$option\b" <<<"$heading" || fail "the manual's $first${second:+ $second} lacks $option"
         case $option in --url | --user | --password) words=(services configure supervisord --) ;;
-        *) words=("$first" "$second" --) ;; esac
+        *) words=("$first" ${second:+"$second"} --) ;; esac
         grep -qx -- "$option" <<<"$(complete_words "${words[@]}")" || fail "the completion lacks $option after ${words[*]}"
     done
     for option in $(grep -o -- '--[a-z-]*' <<<"$heading" || true); do
@@ -154,7 +159,7 @@ offered=$(cd "$folders" && complete_words --home "ser" | sort | tr '\n' ' ')
 offered=$(cd "$folders" && complete_words --home = "ser" | sort | tr '\n' ' ')
 [ "$offered" = "server-a server-b " ] || fail "after --home= the completion offers '$offered', not the two folders"
 offered=$(complete_words --home /srv db "" | sort | tr '\n' ' ')
-[ "$offered" = "info init " ] || fail "after '--home DIR db' the completion offers '$offered'"
+[ "$offered" = "check info init " ] || fail "after '--home DIR db' the completion offers '$offered'"
 
 # The installed console on a server folder of its own, without a display: it loads the chart and
 # saves a picture, which takes the installed SQL and SVG plug-ins to work.
