@@ -31,7 +31,7 @@ void change(ChartTables& tables, const QString& side, int first, int count, size
     int highest = 0;
     for (const GroupRow& group : tables.groups)
         highest = std::max(highest, group.K_GroupID);
-    const GroupRow& top = tables.groups.front();
+    const GroupRow top = tables.groups.front(); // a copy: the pushes below move the rows
     for (int i = 0; i < 100; ++i) {
         GroupRow group = top;
         group.K_GroupID = highest + 1 + i;
@@ -64,7 +64,8 @@ int main(int argc, char** argv)
     size_t conflicts = 0;
     size_t merged = 0;
     const double merging = timeIt([&] {
-        ChartMerge merge(basePrint, mine, theirs);
+        // The console hands over tables made for the merge; the copy for it is not the merge's work.
+        ChartMerge merge(basePrint, std::move(mine), theirs);
         merge.decideAll(true);
         conflicts = merge.conflicts().size();
         merged = merge.result().members.size();

@@ -31,10 +31,8 @@ void ChartNames::add(const ChartTables& tables) const
 {
     for (const GroupRow& row : tables.groups)
         m_groups.insert(row.K_GroupID, row.GroupName);
-    for (const MemberRecord& row : tables.members) {
-        m_members.insert(row.K_MemberID, Msg::kMemberName.arg(row.MemberName, row.MemberID));
-        m_logins.insert(row.K_MemberID, row.MemberID);
-    }
+    for (const MemberRecord& row : tables.members)
+        m_members.insert(row.K_MemberID, &row);
     for (const RankRecord& row : tables.ranks.ranks())
         m_ranks.insert(row.K_RankID, row.RankName);
     for (const FolderRecord& row : tables.fileBox.folders)
@@ -52,13 +50,15 @@ QString ChartNames::group(int groupId) const
 QString ChartNames::member(int memberId) const
 {
     gather();
-    return m_members.value(memberId, Msg::kUnknownRow.arg(memberId));
+    const MemberRecord* found = m_members.value(memberId);
+    return found ? Msg::kMemberName.arg(found->MemberName, found->MemberID) : Msg::kUnknownRow.arg(memberId);
 }
 
 QString ChartNames::loginId(int memberId) const
 {
     gather();
-    return m_logins.value(memberId);
+    const MemberRecord* found = m_members.value(memberId);
+    return found ? found->MemberID : QString();
 }
 
 QString ChartNames::rank(int rankId) const
@@ -184,9 +184,10 @@ std::vector<RowChange> between(const ChartFingerprint& before, const ChartFinger
         const auto table = static_cast<ChartTable>(t);
         const int fields = ChartFields::count(table);
         std::vector<RowChange> found;
-        now.forEachKey(table, [&](ChartFingerprint::Key key) {
-            const qint64* old = before.row(table, key);
-            const qint64* current = now.row(table, key);
+        // Both prints mostly hold the rows in one order: walking them side by side spares the lookups.
+        size_t cursor = 0;
+        now.forEachRow(table, [&](ChartFingerprint::Key key, const qint64* current) {
+            const qint64* old = before.rowAfter(table, key, cursor);
             RowChange change {table, old ? RowChange::Kind::Changed : RowChange::Kind::Added, key, {}, {}, {}, {}};
             for (int f = 0; old && f < fields; ++f) {
                 if (old[f] != current[f] && !isPlace(table, f))
@@ -195,8 +196,9 @@ std::vector<RowChange> between(const ChartFingerprint& before, const ChartFinger
             if (!old || !change.fields.isEmpty())
                 found.push_back(std::move(change));
         });
-        before.forEachKey(table, [&](ChartFingerprint::Key key) {
-            if (!now.row(table, key))
+        cursor = 0;
+        before.forEachRow(table, [&](ChartFingerprint::Key key, const qint64*) {
+            if (!now.rowAfter(table, key, cursor))
                 found.push_back({table, RowChange::Kind::Removed, key, {}, {}, {}, {}});
         });
         std::sort(found.begin(), found.end(), [](const RowChange& a, const RowChange& b) { return a.key < b.key; });

@@ -11,6 +11,7 @@
 namespace sable {
 
 struct ChartTables;
+struct MemberRecord;
 
 // What people call the rows of the chart's tables: departments and ranks by name, users by name and
 // login ID, folders by path, memberships and permissions by what they join. The names are gathered
@@ -45,8 +46,8 @@ private:
     const ChartTables* m_second = nullptr;
     mutable bool m_bGathered = false;
     mutable QHash<int, QString> m_groups;
-    mutable QHash<int, QString> m_members;
-    mutable QHash<int, QString> m_logins;
+    // Users are named when asked: formatting every name of a large chart costs more than the few asked.
+    mutable QHash<int, const MemberRecord*> m_members;
     mutable QHash<int, QString> m_ranks;
     mutable QHash<int, QString> m_folders;
 };

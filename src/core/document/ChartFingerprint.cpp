@@ -77,8 +77,11 @@ void ChartFingerprint::printGroup(const GroupRow& row, qint64* out)
 
 void ChartFingerprint::printMember(const MemberRecord& m, qint64* out)
 {
-    for (int column = 0; column < MemberColumnCount; ++column)
-        out[column] = printText(MemberColumns::text(m, column));
+    // A choice column prints its stored value: the same for a row as its text, without making the text.
+    for (int column = 0; column < MemberColumnCount; ++column) {
+        out[column] = MemberColumns::isChoice(column) ? MemberColumns::storedValue(m, column)
+                                                      : printText(MemberColumns::text(m, column));
+    }
 }
 
 void ChartFingerprint::printRelation(const RelationRow& row, qint64* out)
@@ -116,6 +119,7 @@ void ChartFingerprint::add(ChartTable table, Key key, const qint64* fields)
     const auto existing = t.at.constFind(key);
     if (existing == t.at.cend()) {
         t.at.insert(key, static_cast<qsizetype>(t.prints.size()));
+        t.keys.push_back(key);
         t.prints.insert(t.prints.end(), fields, fields + count);
         return;
     }
@@ -170,6 +174,19 @@ const qint64* ChartFingerprint::row(ChartTable table, Key key) const
     const Table& t = m_tables[tableIndex(table)];
     const auto found = t.at.constFind(key);
     return found == t.at.cend() ? nullptr : t.prints.data() + *found;
+}
+
+const qint64* ChartFingerprint::rowAfter(ChartTable table, Key key, size_t& cursor) const
+{
+    const Table& t = m_tables[tableIndex(table)];
+    const auto width = static_cast<size_t>(ChartFields::count(table));
+    if (cursor < t.keys.size() && t.keys[cursor] == key)
+        return t.prints.data() + width * cursor++;
+    const auto found = t.at.constFind(key);
+    if (found == t.at.cend())
+        return nullptr;
+    cursor = static_cast<size_t>(*found) / width + 1;
+    return t.prints.data() + *found;
 }
 
 int ChartFingerprint::rowCount(ChartTable table) const

@@ -85,6 +85,19 @@ public:
     const qint64* row(ChartTable table, Key key) const;
     int rowCount(ChartTable table) const;
     void forEachKey(ChartTable table, const std::function<void(Key)>& visit) const;
+    // Every row's key with its prints, in the order the rows were added.
+    template <typename Visit>
+    void forEachRow(ChartTable table, Visit&& visit) const
+    {
+        const Table& t = m_tables[static_cast<size_t>(table)];
+        const auto width = static_cast<size_t>(ChartFields::count(table));
+        for (size_t i = 0; i < t.keys.size(); ++i)
+            visit(t.keys[i], t.prints.data() + i * width);
+    }
+    // row() for keys that mostly come in the order of this print's rows, as another print of the
+    // same tables gives them: `cursor` (0 to begin with) remembers where the last one was, so that
+    // a run of rows in the same order costs no lookup.
+    const qint64* rowAfter(ChartTable table, Key key, size_t& cursor) const;
     bool isEmpty() const;
 
     bool operator==(const ChartFingerprint& other) const;
@@ -118,6 +131,7 @@ private:
     struct Table
     {
         QHash<Key, qsizetype> at; // where the row's prints begin in `prints`
+        std::vector<Key> keys; // in the order the rows were added
         std::vector<qint64> prints;
         int duplicates = 0;
     };

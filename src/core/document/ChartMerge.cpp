@@ -7,6 +7,10 @@
 #include <QSet>
 
 #include <algorithm>
+#include <deque>
+#include <map>
+#include <tuple>
+#include <type_traits>
 
 namespace sable {
 namespace {
@@ -174,91 +178,273 @@ std::vector<RankRow> rankRows(const RankList& ranks)
     return rows;
 }
 
-// The rows of one table from both sides, by key, with the side each merged row comes from.
+// Users are many and large: a merged table of them points at the row of the side it takes whole
+// rather than copying it.
+template <typename Traits>
+constexpr bool kHeldByPointer = std::is_same_v<typename Traits::Row, MemberRecord>;
+
+// One side's rows of one table by key. The rows stay where the side's tables hold them.
+template <typename Traits>
+struct Indexed
+{
+    using Row = typename Traits::Row;
+
+    explicit Indexed(const std::vector<Row>& all)
+        : rows(&all)
+    {
+        byKey.reserve(static_cast<qsizetype>(all.size()));
+        for (const Row& row : all)
+            byKey.insert(Traits::key(row), &row);
+        bDuplicates = static_cast<size_t>(byKey.size()) != all.size();
+    }
+
+    const Row* find(Key key) const { return byKey.value(key); }
+    // find() for keys that mostly come in the order of these rows: `cursor` (0 to begin with)
+    // remembers where the last one was, so that a run in the same order costs no lookup.
+    const Row* findAfter(Key key, size_t& cursor) const
+    {
+        if (!bDuplicates && cursor < rows->size() && Traits::key((*rows)[cursor]) == key)
+            return &(*rows)[cursor++];
+        const Row* found = find(key);
+        if (found)
+            cursor = static_cast<size_t>(found - rows->data()) + 1;
+        return found;
+    }
+    // Whether `row` is the one its key stands for: of two rows of one key, the last counts.
+    bool counts(const Row& row) const { return !bDuplicates || byKey.value(Traits::key(row)) == &row; }
+
+    const std::vector<Row>* rows;
+    QHash<Key, const Row*> byKey;
+    bool bDuplicates = false;
+};
+
+template <typename Traits>
+struct BothSides
+{
+    BothSides(const std::vector<typename Traits::Row>& mineRows, const std::vector<typename Traits::Row>& theirRows)
+        : mine(mineRows)
+        , theirs(theirRows)
+    { }
+
+    Indexed<Traits> mine;
+    Indexed<Traits> theirs;
+};
+
+// The rows of one table as merged, by key, with the side each merged row comes from.
 template <typename Traits>
 struct Merged
 {
+    using Row = typename Traits::Row;
+    using Held = std::conditional_t<kHeldByPointer<Traits>, const Row*, Row>;
     static constexpr ChartTable kTable = Traits::kTable;
-    QHash<Key, typename Traits::Row> rows;
+
+    static const Row& rowOf(const Held& held)
+    {
+        if constexpr (kHeldByPointer<Traits>)
+            return *held;
+        else
+            return held;
+    }
+    // A row as one side has it; `row` outlives the merge.
+    void take(Key key, const Row& row, Side by)
+    {
+        if constexpr (kHeldByPointer<Traits>)
+            rows.insert(key, &row);
+        else
+            rows.insert(key, row);
+        setIntroducedBy(key, by);
+    }
+    // A row made of both sides' fields.
+    void make(Key key, Row row, Side by)
+    {
+        if constexpr (kHeldByPointer<Traits>) {
+            made.push_back(std::move(row));
+            rows.insert(key, &made.back());
+        } else {
+            rows.insert(key, std::move(row));
+        }
+        setIntroducedBy(key, by);
+    }
+    // Most rows come from neither side in particular: only the others are written down.
+    void setIntroducedBy(Key key, Side by)
+    {
+        if (by == Side::Neither)
+            introducedBy.remove(key);
+        else
+            introducedBy.insert(key, by);
+    }
+
+    QHash<Key, Held> rows;
     QHash<Key, Side> introducedBy; // who added the row, or changed what it refers to
+    std::deque<Row> made;
 };
+
+// One row's prints in the base and on each side; nullptr where there is no such row.
+struct RowPrints
+{
+    const qint64* base;
+    const qint64* mine;
+    const qint64* theirs;
+};
+
+// The fields of one row that each side changed from the base, as bit sets.
+struct FieldChanges
+{
+    quint32 mine = 0;
+    quint32 theirs = 0;
+    quint32 both = 0; // changed on both sides, to different values
+};
+
+constexpr quint32 bitOf(int field)
+{
+    return field < 0 ? 0U : 1U << field;
+}
+
+FieldChanges fieldChanges(ChartTable table, const qint64* base, const qint64* mine, const qint64* theirs)
+{
+    FieldChanges changes;
+    for (int f = 0; f < ChartFields::count(table); ++f) {
+        if (isPlace(table, f))
+            continue;
+        const bool m = mine && (!base || mine[f] != base[f]);
+        const bool t = theirs && (!base || theirs[f] != base[f]);
+        changes.mine |= m ? bitOf(f) : 0U;
+        changes.theirs |= t ? bitOf(f) : 0U;
+        changes.both |= m && t && mine[f] != theirs[f] ? bitOf(f) : 0U;
+    }
+    return changes;
+}
+
+// The merged rows of one table, those the database has in its order, then this console's new ones
+// in its order.
+template <typename Traits>
+void appendInOrder(const Merged<Traits>& merged, const BothSides<Traits>& rows, std::vector<typename Traits::Row>& into)
+{
+    into.reserve(static_cast<size_t>(merged.rows.size()));
+    size_t theirsAt = 0;
+    const auto append = [&](const Indexed<Traits>& side, bool bMine) {
+        for (const auto& row : *side.rows) {
+            const Key key = Traits::key(row);
+            if (!side.counts(row) || (bMine && rows.theirs.findAfter(key, theirsAt)))
+                continue;
+            const auto found = merged.rows.constFind(key);
+            if (found != merged.rows.cend())
+                into.push_back(Merged<Traits>::rowOf(*found));
+        }
+    };
+    append(rows.theirs, false);
+    append(rows.mine, true);
+}
+
+std::vector<int> fieldsIn(quint32 set)
+{
+    std::vector<int> fields;
+    for (int f = 0; f < kMaxFields; ++f) {
+        if (set & bitOf(f))
+            fields.push_back(f);
+    }
+    return fields;
+}
 
 } // namespace
 
-void keysOf(const ChartTables& tables, const std::vector<RankRow>& ranks, QSet<Key>* keys)
+// What every pass of the merge reads and none changes: both sides' prints and rows by key, made once.
+struct ChartMerge::Sides
 {
-    for (auto it = tables.links.all().cbegin(); it != tables.links.all().cend(); ++it)
-        keys[static_cast<size_t>(ChartTable::DirectoryLinks)].insert(it.key());
-    const auto index = [](ChartTable table) { return static_cast<size_t>(table); };
-    for (const GroupRow& r : tables.groups)
-        keys[index(ChartTable::Groups)].insert(GroupTraits::key(r));
-    for (const MemberRecord& r : tables.members)
-        keys[index(ChartTable::Members)].insert(MemberTraits::key(r));
-    for (const RelationRow& r : tables.relations)
-        keys[index(ChartTable::Relations)].insert(RelationTraits::key(r));
-    for (const RankRow& r : ranks)
-        keys[index(ChartTable::Ranks)].insert(RankTraits::key(r));
-    for (const FolderRecord& r : tables.fileBox.folders)
-        keys[index(ChartTable::Folders)].insert(FolderTraits::key(r));
-    for (const AuthorityRecord& r : tables.fileBox.groupAuthorities)
-        keys[index(ChartTable::GroupAuthorities)].insert(AuthorityTraits<ChartTable::GroupAuthorities>::key(r));
-    for (const AuthorityRecord& r : tables.fileBox.userAuthorities)
-        keys[index(ChartTable::UserAuthorities)].insert(AuthorityTraits<ChartTable::UserAuthorities>::key(r));
-}
+    Sides(const ChartFingerprint& basePrint, const ChartTables& mineTables, const ChartTables& theirTables)
+        : base(basePrint)
+        , mine(mineTables)
+        , theirs(theirTables)
+        , minePrint(ChartFingerprint::of(mineTables))
+        , theirPrint(ChartFingerprint::of(theirTables))
+        , mineRanks(rankRows(mineTables.ranks))
+        , theirRanks(rankRows(theirTables.ranks))
+        , mineLinks(linkRows(mineTables.links))
+        , theirLinks(linkRows(theirTables.links))
+        , groups(mine.groups, theirs.groups)
+        , members(mine.members, theirs.members)
+        , relations(mine.relations, theirs.relations)
+        , ranks(mineRanks, theirRanks)
+        , folders(mine.fileBox.folders, theirs.fileBox.folders)
+        , groupAuthorities(mine.fileBox.groupAuthorities, theirs.fileBox.groupAuthorities)
+        , userAuthorities(mine.fileBox.userAuthorities, theirs.fileBox.userAuthorities)
+        , links(mineLinks, theirLinks)
+        , childOrders({basePrint, mineTables, theirTables})
+    { }
+
+    // Which side removed the row `key` of `table` that the base has; Neither when both still have it.
+    Side removedBy(ChartTable table, Key key) const
+    {
+        if (!base.row(table, key))
+            return Side::Neither;
+        if (!minePrint.row(table, key))
+            return Side::Mine;
+        return theirPrint.row(table, key) ? Side::Neither : Side::Theirs;
+    }
+
+    const ChartFingerprint& base;
+    const ChartTables& mine;
+    const ChartTables& theirs;
+    const ChartFingerprint minePrint;
+    const ChartFingerprint theirPrint;
+    const std::vector<RankRow> mineRanks;
+    const std::vector<RankRow> theirRanks;
+    const std::vector<LinkRow> mineLinks;
+    const std::vector<LinkRow> theirLinks;
+    const BothSides<GroupTraits> groups;
+    const BothSides<MemberTraits> members;
+    const BothSides<RelationTraits> relations;
+    const BothSides<RankTraits> ranks;
+    const BothSides<FolderTraits> folders;
+    const BothSides<AuthorityTraits<ChartTable::GroupAuthorities>> groupAuthorities;
+    const BothSides<AuthorityTraits<ChartTable::UserAuthorities>> userAuthorities;
+    const BothSides<LinkTraits> links;
+    const MergeOrder::ChildOrders childOrders;
+};
 
 // One pass of the merge under the decisions made so far; conflicts it meets for the first time are
 // added, decided for this console's side.
 class ChartMerge::Engine
 {
 public:
-    Engine(const ChartFingerprint& base, const ChartTables& mine, const ChartTables& theirs,
-        std::vector<MergeConflict>& conflicts)
-        : m_base(base)
-        , m_mine(mine)
-        , m_theirs(theirs)
-        , m_mineRanks(rankRows(mine.ranks))
-        , m_theirRanks(rankRows(theirs.ranks))
-        , m_mineLinks(linkRows(mine.links))
-        , m_theirLinks(linkRows(theirs.links))
-        , m_names(mine, theirs)
+    Engine(const Sides& sides, const ChartNames& names, std::vector<MergeConflict>& conflicts)
+        : m_sides(sides)
+        , m_names(names)
         , m_conflicts(conflicts)
     {
-        keysOf(mine, m_mineRanks, m_mineKeys);
-        keysOf(theirs, m_theirRanks, m_theirKeys);
+        for (size_t i = 0; i < conflicts.size(); ++i)
+            m_decided.emplace(std::make_tuple(conflicts[i].table, conflicts[i].key, conflicts[i].kind), i);
     }
 
-    ChartTables run(QStringList* dropped);
+    // Merges under the decisions made so far, meeting every conflict there is under them.
+    void run(QStringList* dropped);
+    // The merged tables, after run().
+    ChartTables assemble() const;
 
 private:
     template <typename Traits>
-    void mergeTable(const std::vector<typename Traits::Row>& mine, const std::vector<typename Traits::Row>& theirs,
-        Merged<Traits>& out);
+    void mergeTable(const BothSides<Traits>& rows, Merged<Traits>& out);
     template <typename Traits>
-    void mergeRow(Key key, const typename Traits::Row* mine, const typename Traits::Row* theirs, Merged<Traits>& out);
+    void mergeRow(Key key, const typename Traits::Row* mine, const typename Traits::Row* theirs,
+        const RowPrints& prints, Merged<Traits>& out);
 
     bool decide(
         ChartTable table, Key key, Kind kind, const QStringList& fields, const QString& mine, const QString& theirs);
     bool settleReferences(QStringList* dropped);
     bool restoreDependents();
-    Side removedBy(ChartTable table, Key key) const;
     bool settleReference(ChartTable table, Key key, Side referrer);
     template <typename Traits>
-    bool restore(Merged<Traits>& merged, const std::vector<typename Traits::Row>& mine,
-        const std::vector<typename Traits::Row>& theirs, Key key, bool fromMine);
+    bool restore(Merged<Traits>& merged, const BothSides<Traits>& rows, Key key, bool fromMine);
+    void keptThoughRemovedBy(Side side) { m_bKeptRemoved[side == Side::Mine ? 0 : 1] = true; }
     void orderChildren();
-    ChartTables assemble() const;
 
-    const ChartFingerprint& m_base;
-    const ChartTables& m_mine;
-    const ChartTables& m_theirs;
-    const std::vector<RankRow> m_mineRanks;
-    const std::vector<RankRow> m_theirRanks;
-    const std::vector<LinkRow> m_mineLinks;
-    const std::vector<LinkRow> m_theirLinks;
-    const ChartNames m_names;
+    const Sides& m_sides;
+    const ChartNames& m_names;
     std::vector<MergeConflict>& m_conflicts;
-    QSet<Key> m_mineKeys[kChartTableCount];
-    QSet<Key> m_theirKeys[kChartTableCount];
+    std::map<std::tuple<ChartTable, Key, Kind>, size_t> m_decided; // where each conflict is in m_conflicts
+    // Whether a row one side removed is kept (by this console's side, by the database's): only then
+    // may rows that went with it have to come back.
+    bool m_bKeptRemoved[2] = {};
 
     Merged<GroupTraits> m_groups;
     Merged<MemberTraits> m_members;
@@ -274,147 +460,117 @@ private:
 bool ChartMerge::Engine::decide(
     ChartTable table, Key key, Kind kind, const QStringList& fields, const QString& mine, const QString& theirs)
 {
-    for (const MergeConflict& conflict : m_conflicts) {
-        if (conflict.table == table && conflict.key == key && conflict.kind == kind)
-            return conflict.bKeepMine;
-    }
+    const auto id = std::make_tuple(table, key, kind);
+    if (const auto found = m_decided.find(id); found != m_decided.end())
+        return m_conflicts[found->second].bKeepMine;
     QString name = m_names.row(table, key);
     if (kind == Kind::OrderChangedBoth)
         name = table == ChartTable::Ranks ? Msg::kMergeRankOrder
                                           : Msg::kMergeChildOrder.arg(m_names.group(static_cast<int>(key)));
+    m_decided.emplace(id, m_conflicts.size());
     m_conflicts.push_back({table, key, kind, name, fields, mine, theirs, true});
     return true;
 }
 
 template <typename Traits>
-void ChartMerge::Engine::mergeTable(
-    const std::vector<typename Traits::Row>& mine, const std::vector<typename Traits::Row>& theirs, Merged<Traits>& out)
+void ChartMerge::Engine::mergeTable(const BothSides<Traits>& rows, Merged<Traits>& out)
 {
-    QHash<Key, const typename Traits::Row*> mineByKey;
-    mineByKey.reserve(static_cast<qsizetype>(mine.size()));
-    for (const auto& row : mine)
-        mineByKey.insert(Traits::key(row), &row);
-    QHash<Key, const typename Traits::Row*> theirsByKey;
-    theirsByKey.reserve(static_cast<qsizetype>(theirs.size()));
-    for (const auto& row : theirs)
-        theirsByKey.insert(Traits::key(row), &row);
-    out.rows.reserve(static_cast<qsizetype>(std::max(mine.size(), theirs.size())));
-    for (auto it = theirsByKey.cbegin(); it != theirsByKey.cend(); ++it)
-        mergeRow<Traits>(it.key(), mineByKey.value(it.key()), it.value(), out);
-    for (auto it = mineByKey.cbegin(); it != mineByKey.cend(); ++it) {
-        if (!theirsByKey.contains(it.key()))
-            mergeRow<Traits>(it.key(), it.value(), nullptr, out);
+    constexpr ChartTable table = Traits::kTable;
+    out.rows.reserve(std::max(rows.mine.byKey.size(), rows.theirs.byKey.size()));
+    // The sides and the base mostly hold their rows in one order: cursors spare most lookups.
+    size_t mineAt = 0, theirsAt = 0, minePrintAt = 0, theirPrintAt = 0, baseAt = 0;
+    const auto printsOf = [&](Key key, bool bMine, bool bTheirs) {
+        return RowPrints {m_sides.base.rowAfter(table, key, baseAt),
+            bMine ? m_sides.minePrint.rowAfter(table, key, minePrintAt) : nullptr,
+            bTheirs ? m_sides.theirPrint.rowAfter(table, key, theirPrintAt) : nullptr};
+    };
+    // The database's rows first, in its order, so that conflicts come in an order people know.
+    for (const auto& theirs : *rows.theirs.rows) {
+        const Key key = Traits::key(theirs);
+        if (!rows.theirs.counts(theirs))
+            continue;
+        const auto* mine = rows.mine.findAfter(key, mineAt);
+        mergeRow<Traits>(key, mine, &theirs, printsOf(key, mine, true), out);
+    }
+    baseAt = 0;
+    for (const auto& mine : *rows.mine.rows) {
+        const Key key = Traits::key(mine);
+        if (rows.mine.counts(mine) && !rows.theirs.findAfter(key, theirsAt))
+            mergeRow<Traits>(key, &mine, nullptr, printsOf(key, true, false), out);
     }
     // Rows both sides removed are gone; nothing to do for them.
 }
 
 template <typename Traits>
-void ChartMerge::Engine::mergeRow(
-    Key key, const typename Traits::Row* mine, const typename Traits::Row* theirs, Merged<Traits>& out)
+void ChartMerge::Engine::mergeRow(Key key, const typename Traits::Row* mine, const typename Traits::Row* theirs,
+    const RowPrints& prints, Merged<Traits>& out)
 {
     constexpr ChartTable table = Traits::kTable;
-    const int count = ChartFields::count(table);
-    const qint64* base = m_base.row(table, key);
-    qint64 minePrint[kMaxFields] = {};
-    qint64 theirPrint[kMaxFields] = {};
-    if (mine)
-        Traits::print(*mine, minePrint);
-    if (theirs)
-        Traits::print(*theirs, theirPrint);
-    std::vector<int> mineChanged;
-    std::vector<int> theirChanged;
-    std::vector<int> bothChanged; // to different values
-    for (int f = 0; f < count; ++f) {
-        if (isPlace(table, f))
-            continue;
-        const bool m = mine && (!base || minePrint[f] != base[f]);
-        const bool t = theirs && (!base || theirPrint[f] != base[f]);
-        if (m)
-            mineChanged.push_back(f);
-        if (t)
-            theirChanged.push_back(f);
-        if (m && t && minePrint[f] != theirPrint[f])
-            bothChanged.push_back(f);
-    }
-    const auto has = [](const std::vector<int>& fields, int f) {
-        return std::find(fields.begin(), fields.end(), f) != fields.end();
-    };
+    const qint64* base = prints.base;
+    const FieldChanges changed = fieldChanges(table, base, prints.mine, prints.theirs);
     // The values in question: those changed on both sides, or the changes of the side that kept the row.
-    const auto describe = [&](const typename Traits::Row& row, const std::vector<int>& fields) {
+    const auto describe = [&](const typename Traits::Row& row, quint32 fields) {
         QStringList values;
-        for (const int f : fields)
+        for (const int f : fieldsIn(fields))
             values << ChartNames::field(table, f) + QStringLiteral(": ") + Traits::text(row, f, m_names);
         return values.join(QStringLiteral(", "));
     };
     if (mine && theirs) {
         QStringList names;
-        for (const int f : bothChanged)
+        for (const int f : fieldsIn(changed.both))
             names << ChartNames::field(table, f);
-        const bool bKeepMine = !bothChanged.empty()
+        const bool bKeepMine = changed.both
             && decide(
-                table, key, Kind::BothChanged, names, describe(*mine, bothChanged), describe(*theirs, bothChanged));
-        typename Traits::Row row = *theirs;
-        bool bReferenceFromMine = false;
-        for (const int f : mineChanged) {
-            if (!has(theirChanged, f) || (has(bothChanged, f) && bKeepMine)) {
-                Traits::copy(row, *mine, f);
-                bReferenceFromMine = bReferenceFromMine || f == Traits::kReference;
-            }
-        }
-        out.rows.insert(key, row);
+                table, key, Kind::BothChanged, names, describe(*mine, changed.both), describe(*theirs, changed.both));
+        const quint32 fromMine = changed.mine & (~changed.theirs | (bKeepMine ? changed.both : 0U));
+        constexpr quint32 reference = bitOf(Traits::kReference);
         // Who made the row refer to what it refers to now, should that be removed on the other side.
-        out.introducedBy.insert(key,
-            !base || bReferenceFromMine                 ? Side::Mine
-                : has(theirChanged, Traits::kReference) ? Side::Theirs
-                                                        : Side::Neither);
+        const Side by = !base || (fromMine & reference) ? Side::Mine
+            : (changed.theirs & reference)              ? Side::Theirs
+                                                        : Side::Neither;
+        if (!fromMine) {
+            out.take(key, *theirs, by);
+            return;
+        }
+        typename Traits::Row row = *theirs;
+        for (const int f : fieldsIn(fromMine))
+            Traits::copy(row, *mine, f);
+        out.make(key, std::move(row), by);
         return;
     }
     const typename Traits::Row* only = mine ? mine : theirs;
     if (!base) {
         // New on one side only.
-        out.rows.insert(key, *only);
-        out.introducedBy.insert(key, mine ? Side::Mine : Side::Theirs);
+        out.take(key, *only, mine ? Side::Mine : Side::Theirs);
         return;
     }
     // Removed on one side: the other side's change of the row holds it back, if the administrator says so.
-    const std::vector<int>& keptChanges = mine ? mineChanged : theirChanged;
-    if (keptChanges.empty())
+    const quint32 keptChanges = mine ? changed.mine : changed.theirs;
+    if (!keptChanges)
         return;
     if (table == ChartTable::DirectoryLinks) {
         // A link follows its user, whose own fate is settled row by row; a changed link is no question.
-        out.rows.insert(key, *only);
-        out.introducedBy.insert(key, Side::Neither);
+        out.take(key, *only, Side::Neither);
         return;
     }
     const bool bKeepMine = mine
-        ? decide(table, key, Kind::ChangedHereRemovedThere, {}, describe(*mine, mineChanged), Msg::kMergeRemoved)
-        : decide(table, key, Kind::RemovedHereChangedThere, {}, Msg::kMergeRemoved, describe(*theirs, theirChanged));
+        ? decide(table, key, Kind::ChangedHereRemovedThere, {}, describe(*mine, keptChanges), Msg::kMergeRemoved)
+        : decide(table, key, Kind::RemovedHereChangedThere, {}, Msg::kMergeRemoved, describe(*theirs, keptChanges));
     if (bKeepMine == (mine != nullptr)) {
-        out.rows.insert(key, *only);
-        out.introducedBy.insert(key, mine ? Side::Mine : Side::Theirs);
+        out.take(key, *only, mine ? Side::Mine : Side::Theirs);
+        keptThoughRemovedBy(mine ? Side::Theirs : Side::Mine);
     }
-}
-template <typename Traits>
-bool ChartMerge::Engine::restore(Merged<Traits>& merged, const std::vector<typename Traits::Row>& mine,
-    const std::vector<typename Traits::Row>& theirs, Key key, bool fromMine)
-{
-    for (const auto& row : fromMine ? mine : theirs) {
-        if (Traits::key(row) == key) {
-            merged.rows.insert(key, row);
-            merged.introducedBy.insert(key, Side::Neither);
-            return true;
-        }
-    }
-    return false;
 }
 
-Side ChartMerge::Engine::removedBy(ChartTable table, Key key) const
+template <typename Traits>
+bool ChartMerge::Engine::restore(Merged<Traits>& merged, const BothSides<Traits>& rows, Key key, bool fromMine)
 {
-    if (!m_base.row(table, key))
-        return Side::Neither;
-    if (!m_mineKeys[static_cast<size_t>(table)].contains(key))
-        return Side::Mine;
-    return m_theirKeys[static_cast<size_t>(table)].contains(key) ? Side::Neither : Side::Theirs;
+    const typename Traits::Row* row = (fromMine ? rows.mine : rows.theirs).find(key);
+    if (!row)
+        return false;
+    merged.take(key, *row, Side::Neither);
+    keptThoughRemovedBy(fromMine ? Side::Theirs : Side::Mine);
+    return true;
 }
 
 // A department, a user or a folder that one side removed but the merge keeps (by a decision)
@@ -424,13 +580,14 @@ bool ChartMerge::Engine::restoreDependents()
 {
     bool bBack = false;
     const auto keptButRemovedBy
-        = [this](ChartTable table, Key key, Side side) { return removedBy(table, key) == side; };
+        = [this](ChartTable table, Key key, Side side) { return m_sides.removedBy(table, key) == side; };
     for (const Side side : {Side::Mine, Side::Theirs}) {
-        const ChartTables& source = side == Side::Mine ? m_theirs : m_mine;
+        if (!m_bKeptRemoved[side == Side::Mine ? 0 : 1])
+            continue;
+        const ChartTables& source = side == Side::Mine ? m_sides.theirs : m_sides.mine;
         const auto bringBack = [&](auto& merged, const auto& row, Key key, bool bDepends) {
-            if (bDepends && !merged.rows.contains(key) && removedBy(merged.kTable, key) == side) {
-                merged.rows.insert(key, row);
-                merged.introducedBy.insert(key, Side::Neither);
+            if (bDepends && !merged.rows.contains(key) && m_sides.removedBy(merged.kTable, key) == side) {
+                merged.take(key, row, Side::Neither);
                 bBack = true;
             }
         };
@@ -455,7 +612,7 @@ bool ChartMerge::Engine::restoreDependents()
         };
         authorities(m_groupAuthorities, source.fileBox.groupAuthorities, ChartTable::Groups, m_groups);
         authorities(m_userAuthorities, source.fileBox.userAuthorities, ChartTable::Members, m_members);
-        for (const LinkRow& link : side == Side::Mine ? m_theirLinks : m_mineLinks) {
+        for (const LinkRow& link : side == Side::Mine ? m_sides.theirLinks : m_sides.mineLinks) {
             bringBack(m_links, link, link.memberId,
                 m_members.rows.contains(link.memberId) && keptButRemovedBy(ChartTable::Members, link.memberId, side));
         }
@@ -467,7 +624,7 @@ bool ChartMerge::Engine::restoreDependents()
 // other relied on it, the administrator decides; true when it is back.
 bool ChartMerge::Engine::settleReference(ChartTable table, Key key, Side referrer)
 {
-    if (referrer == Side::Neither || !m_base.row(table, key))
+    if (referrer == Side::Neither || !m_sides.base.row(table, key))
         return false;
     // The side that did not refer to it is the side that removed it.
     const bool bRemovedThere = referrer == Side::Mine;
@@ -480,13 +637,13 @@ bool ChartMerge::Engine::settleReference(ChartTable table, Key key, Side referre
         return false;
     switch (table) {
     case ChartTable::Groups:
-        return restore(m_groups, m_mine.groups, m_theirs.groups, key, bRemovedThere);
+        return restore(m_groups, m_sides.groups, key, bRemovedThere);
     case ChartTable::Members:
-        return restore(m_members, m_mine.members, m_theirs.members, key, bRemovedThere);
+        return restore(m_members, m_sides.members, key, bRemovedThere);
     case ChartTable::Ranks:
-        return restore(m_ranks, m_mineRanks, m_theirRanks, key, bRemovedThere);
+        return restore(m_ranks, m_sides.ranks, key, bRemovedThere);
     case ChartTable::Folders:
-        return restore(m_folders, m_mine.fileBox.folders, m_theirs.fileBox.folders, key, bRemovedThere);
+        return restore(m_folders, m_sides.folders, key, bRemovedThere);
     case ChartTable::Relations:
     case ChartTable::GroupAuthorities:
     case ChartTable::UserAuthorities:
@@ -520,11 +677,11 @@ bool ChartMerge::Engine::settleReferences(QStringList* dropped)
             continue;
         }
         // A department that only moved goes back where the other side has it; a new one goes.
-        const qint64* base = m_base.row(ChartTable::Groups, it.key());
+        const qint64* base = m_sides.base.row(ChartTable::Groups, it.key());
         if (base && m_groups.rows.contains(base[ChartFields::GroupParent])
             && base[ChartFields::GroupParent] != parent) {
             it->K_GroupID_P = static_cast<int>(base[ChartFields::GroupParent]);
-            m_groups.introducedBy[it.key()] = Side::Neither;
+            m_groups.setIntroducedBy(it.key(), Side::Neither);
             bChanged = true;
             ++it;
             continue;
@@ -567,18 +724,16 @@ bool ChartMerge::Engine::settleReferences(QStringList* dropped)
     return bChanged;
 }
 
-ChartTables ChartMerge::Engine::run(QStringList* dropped)
+void ChartMerge::Engine::run(QStringList* dropped)
 {
-    mergeTable<GroupTraits>(m_mine.groups, m_theirs.groups, m_groups);
-    mergeTable<MemberTraits>(m_mine.members, m_theirs.members, m_members);
-    mergeTable<RelationTraits>(m_mine.relations, m_theirs.relations, m_relations);
-    mergeTable<RankTraits>(m_mineRanks, m_theirRanks, m_ranks);
-    mergeTable<FolderTraits>(m_mine.fileBox.folders, m_theirs.fileBox.folders, m_folders);
-    mergeTable<AuthorityTraits<ChartTable::GroupAuthorities>>(
-        m_mine.fileBox.groupAuthorities, m_theirs.fileBox.groupAuthorities, m_groupAuthorities);
-    mergeTable<AuthorityTraits<ChartTable::UserAuthorities>>(
-        m_mine.fileBox.userAuthorities, m_theirs.fileBox.userAuthorities, m_userAuthorities);
-    mergeTable<LinkTraits>(m_mineLinks, m_theirLinks, m_links);
+    mergeTable(m_sides.groups, m_groups);
+    mergeTable(m_sides.members, m_members);
+    mergeTable(m_sides.relations, m_relations);
+    mergeTable(m_sides.ranks, m_ranks);
+    mergeTable(m_sides.folders, m_folders);
+    mergeTable(m_sides.groupAuthorities, m_groupAuthorities);
+    mergeTable(m_sides.userAuthorities, m_userAuthorities);
+    mergeTable(m_sides.links, m_links);
     // A row brought back may bring back or refer to others: settle until nothing moves.
     for (int pass = 0; pass < 32; ++pass) {
         const bool bRestored = restoreDependents();
@@ -588,9 +743,8 @@ ChartTables ChartMerge::Engine::run(QStringList* dropped)
     // A link belongs to its user: with the user gone, there is nothing to keep from the directory.
     for (auto it = m_links.rows.begin(); it != m_links.rows.end();)
         it = m_members.rows.contains(it.key()) ? std::next(it) : m_links.rows.erase(it);
-    MergeOrder::breakParentLoops(m_groups.rows, m_theirs.groups);
+    MergeOrder::breakParentLoops(m_groups.rows, m_sides.theirs.groups);
     orderChildren();
-    return assemble();
 }
 
 void ChartMerge::Engine::orderChildren()
@@ -599,41 +753,21 @@ void ChartMerge::Engine::orderChildren()
         return decide(
             table, key, Kind::OrderChangedBoth, {Msg::kFieldOrder}, Msg::kMergeOrderMine, Msg::kMergeOrderTheirs);
     };
-    MergeOrder::placeChildren({m_base, m_mine, m_theirs}, m_groups.rows, m_relations.rows,
+    MergeOrder::placeChildren(m_sides.childOrders, m_groups.rows, m_relations.rows,
         [&](int parent) { return bothReordered(ChartTable::Groups, parent); });
-    m_rankOrder = MergeOrder::rankOrder(m_base, m_mine.ranks, m_theirs.ranks, m_ranks.rows.keys(),
+    m_rankOrder = MergeOrder::rankOrder(m_sides.base, m_sides.mine.ranks, m_sides.theirs.ranks, m_ranks.rows.keys(),
         [&] { return bothReordered(ChartTable::Ranks, MergeOrder::kRankOrderKey); });
 }
 
 ChartTables ChartMerge::Engine::assemble() const
 {
     ChartTables out;
-    // Existing rows in the database's order, new ones of this console after them in its order.
-    const auto inOrder = [](const auto& merged, const auto& theirs, const auto& mine, auto key, auto& into) {
-        QSet<Key> placed;
-        for (const auto& row : theirs) {
-            const auto found = merged.rows.constFind(key(row));
-            if (found != merged.rows.cend() && !placed.contains(key(row))) {
-                into.push_back(*found);
-                placed.insert(key(row));
-            }
-        }
-        for (const auto& row : mine) {
-            const auto found = merged.rows.constFind(key(row));
-            if (found != merged.rows.cend() && !placed.contains(key(row))) {
-                into.push_back(*found);
-                placed.insert(key(row));
-            }
-        }
-    };
-    inOrder(m_members, m_theirs.members, m_mine.members, &MemberTraits::key, out.members);
-    inOrder(m_groups, m_theirs.groups, m_mine.groups, &GroupTraits::key, out.groups);
-    inOrder(m_relations, m_theirs.relations, m_mine.relations, &RelationTraits::key, out.relations);
-    inOrder(m_folders, m_theirs.fileBox.folders, m_mine.fileBox.folders, &FolderTraits::key, out.fileBox.folders);
-    inOrder(m_groupAuthorities, m_theirs.fileBox.groupAuthorities, m_mine.fileBox.groupAuthorities,
-        &AuthorityTraits<ChartTable::GroupAuthorities>::key, out.fileBox.groupAuthorities);
-    inOrder(m_userAuthorities, m_theirs.fileBox.userAuthorities, m_mine.fileBox.userAuthorities,
-        &AuthorityTraits<ChartTable::UserAuthorities>::key, out.fileBox.userAuthorities);
+    appendInOrder(m_members, m_sides.members, out.members);
+    appendInOrder(m_groups, m_sides.groups, out.groups);
+    appendInOrder(m_relations, m_sides.relations, out.relations);
+    appendInOrder(m_folders, m_sides.folders, out.fileBox.folders);
+    appendInOrder(m_groupAuthorities, m_sides.groupAuthorities, out.fileBox.groupAuthorities);
+    appendInOrder(m_userAuthorities, m_sides.userAuthorities, out.fileBox.userAuthorities);
     for (const Key key : m_rankOrder)
         out.ranks.insert(out.ranks.count(), m_ranks.rows.value(key).rank);
     for (auto it = m_links.rows.cbegin(); it != m_links.rows.cend(); ++it)
@@ -649,23 +783,16 @@ ChartMerge::ChartMerge(ChartFingerprint base, ChartTables mine, std::shared_ptr<
     , m_mine(std::move(mine))
     , m_theirs(std::move(theirs))
 {
-    const ChartNames names(m_mine, *m_theirs);
-    m_theirChanges = ChartDiff::between(m_base, *m_theirs, names);
     renumberMine();
-    m_myChanges = ChartDiff::between(m_base, m_mine, ChartNames(m_mine, *m_theirs));
-    findConflicts();
+    m_names = std::make_unique<const ChartNames>(m_mine, *m_theirs);
+    m_sides = std::make_unique<const Sides>(m_base, m_mine, *m_theirs);
+    m_theirChanges = ChartDiff::between(m_base, m_sides->theirPrint, *m_names);
+    m_myChanges = ChartDiff::between(m_base, m_sides->minePrint, *m_names);
+    // One pass meets every conflict: each is taken as decided for this console's side, as it starts.
+    Engine(*m_sides, *m_names, m_conflicts).run(nullptr);
 }
 
 ChartMerge::~ChartMerge() = default;
-
-void ChartMerge::findConflicts()
-{
-    // A decision can bring back a row that refers to another one: run until no new conflict shows.
-    for (size_t known = static_cast<size_t>(-1); known != m_conflicts.size();) {
-        known = m_conflicts.size();
-        Engine(m_base, m_mine, *m_theirs, m_conflicts).run(nullptr);
-    }
-}
 
 void ChartMerge::decideAll(bool bKeepMine)
 {
@@ -676,7 +803,9 @@ void ChartMerge::decideAll(bool bKeepMine)
 ChartTables ChartMerge::result(QStringList* dropped) const
 {
     std::vector<MergeConflict> decisions = m_conflicts;
-    return Engine(m_base, m_mine, *m_theirs, decisions).run(dropped);
+    Engine engine(*m_sides, *m_names, decisions);
+    engine.run(dropped);
+    return engine.assemble();
 }
 
 QList<int> ChartMerge::stillDeleted(const QList<int>& deleted, ChartTable table, const ChartTables& merged) const

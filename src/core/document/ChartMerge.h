@@ -78,12 +78,14 @@ public:
 
 private:
     class Engine;
+    struct Sides;
     void renumberMine();
-    void findConflicts();
 
     ChartFingerprint m_base;
     ChartTables m_mine;
     std::shared_ptr<const ChartTables> m_theirs;
+    std::unique_ptr<const ChartNames> m_names;
+    std::unique_ptr<const Sides> m_sides;
     std::vector<RowChange> m_theirChanges;
     std::vector<RowChange> m_myChanges;
     std::vector<Renumbering> m_renumbered;

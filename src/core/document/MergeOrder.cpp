@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <list>
-#include <map>
 #include <tuple>
 
 namespace sable::MergeOrder {
@@ -38,7 +37,7 @@ struct Placed
     }
 };
 
-using Orders = std::map<int, std::vector<Placed>>;
+using Orders = QHash<int, std::vector<Placed>>;
 
 std::vector<qint64> sorted(std::vector<Placed> placed)
 {
@@ -64,23 +63,24 @@ Orders childrenOf(const ChartTables& tables)
 Orders childrenOf(const ChartFingerprint& base)
 {
     Orders orders;
-    base.forEachKey(ChartTable::Groups, [&](Key key) {
-        const qint64* row = base.row(ChartTable::Groups, key);
+    base.forEachRow(ChartTable::Groups, [&](Key key, const qint64* row) {
         orders[static_cast<int>(row[ChartFields::GroupParent])].push_back(
             {row[ChartFields::GroupPosition], 0, static_cast<qsizetype>(key), groupChild(static_cast<int>(key))});
     });
-    base.forEachKey(ChartTable::Relations, [&](Key key) {
-        const qint64* row = base.row(ChartTable::Relations, key);
+    base.forEachRow(ChartTable::Relations, [&](Key key, const qint64* row) {
         orders[ChartFingerprint::low(key)].push_back({row[ChartFields::RelationPosition], 1,
             static_cast<qsizetype>(ChartFingerprint::high(key)), memberChild(ChartFingerprint::high(key))});
     });
     return orders;
 }
 
-std::vector<qint64> orderOf(const Orders& orders, int parent)
+QHash<int, std::vector<qint64>> sortedLists(Orders orders)
 {
-    const auto found = orders.find(parent);
-    return found == orders.end() ? std::vector<qint64>() : sorted(found->second);
+    QHash<int, std::vector<qint64>> lists;
+    lists.reserve(static_cast<qsizetype>(orders.size()));
+    for (auto it = orders.begin(); it != orders.end(); ++it)
+        lists.insert(it.key(), sorted(std::move(*it)));
+    return lists;
 }
 
 // The elements of `list` that are in `kept`, in their order.
@@ -92,6 +92,17 @@ std::vector<qint64> restricted(const std::vector<qint64>& list, const QSet<qint6
             out.push_back(e);
     }
     return out;
+}
+
+// Whether two lists of distinct elements hold the same ones; `b` is sorted on the way.
+bool sameElements(const std::vector<qint64>& a, std::vector<qint64>& b)
+{
+    if (a.size() != b.size())
+        return false;
+    std::vector<qint64> sortedA = a;
+    std::sort(sortedA.begin(), sortedA.end());
+    std::sort(b.begin(), b.end());
+    return sortedA == b;
 }
 
 } // namespace
@@ -147,21 +158,40 @@ std::vector<qint64> merge(const std::vector<qint64>& base, const std::vector<qin
     return {order.begin(), order.end()};
 }
 
-void placeChildren(const Input& input, QHash<Key, GroupRow>& groups, QHash<Key, RelationRow>& relations,
+ChildOrders::ChildOrders(const Input& input)
+    : m_base(sortedLists(childrenOf(input.base)))
+    , m_mine(sortedLists(childrenOf(input.mine)))
+    , m_theirs(sortedLists(childrenOf(input.theirs)))
+{ }
+
+const ChildOrders::List& ChildOrders::of(const QHash<int, List>& lists, int department)
+{
+    static const List kNone;
+    const auto found = lists.constFind(department);
+    return found == lists.cend() ? kNone : *found;
+}
+
+void placeChildren(const ChildOrders& orders, QHash<Key, GroupRow>& groups, QHash<Key, RelationRow>& relations,
     const std::function<bool(int department)>& keepMine)
 {
-    const Orders base = childrenOf(input.base);
-    const Orders mine = childrenOf(input.mine);
-    const Orders theirs = childrenOf(input.theirs);
-    std::map<int, QSet<qint64>> wanted;
+    QHash<int, std::vector<qint64>> wanted;
     for (const GroupRow& g : groups)
-        wanted[g.K_GroupID_P].insert(groupChild(g.K_GroupID));
+        wanted[g.K_GroupID_P].push_back(groupChild(g.K_GroupID));
     for (const RelationRow& r : relations)
-        wanted[r.K_GroupID].insert(memberChild(r.K_MemberID));
-    for (const auto& [parent, children] : wanted) {
-        const int department = parent;
-        const std::vector<qint64> order = merge(orderOf(base, department), orderOf(mine, department),
-            orderOf(theirs, department), children, [&keepMine, department] { return keepMine(department); });
+        wanted[r.K_GroupID].push_back(memberChild(r.K_MemberID));
+    // Department by department in the order of their numbers, so that the questions come in an order too.
+    QList<int> departments = wanted.keys();
+    std::sort(departments.begin(), departments.end());
+    for (const int department : departments) {
+        std::vector<qint64>& children = wanted[department];
+        const std::vector<qint64>& base = orders.base(department);
+        // Most departments nobody reordered and whose children stay: they keep the base's order.
+        const bool bUnchanged
+            = orders.mine(department) == base && orders.theirs(department) == base && sameElements(base, children);
+        const std::vector<qint64> order = bUnchanged ? base
+                                                     : merge(base, orders.mine(department), orders.theirs(department),
+                                                         QSet<qint64>(children.begin(), children.end()),
+                                                         [&keepMine, department] { return keepMine(department); });
         int position = 1;
         for (const qint64 child : order) {
             if (child >= kMemberChild)

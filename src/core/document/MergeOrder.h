@@ -27,11 +27,31 @@ struct Input
 // The key under which a conflict about the order of the ranks is filed.
 constexpr ChartFingerprint::Key kRankOrderKey = 0;
 
+// The children of every department (departments and members in one list) as the base, this
+// console and the database order them, sorted once for every pass of a merge.
+class ChildOrders
+{
+public:
+    explicit ChildOrders(const Input& input);
+
+    using List = std::vector<qint64>;
+    const List& base(int department) const { return of(m_base, department); }
+    const List& mine(int department) const { return of(m_mine, department); }
+    const List& theirs(int department) const { return of(m_theirs, department); }
+
+private:
+    static const List& of(const QHash<int, List>& lists, int department);
+
+    QHash<int, List> m_base;
+    QHash<int, List> m_mine;
+    QHash<int, List> m_theirs;
+};
+
 // Numbers the children of every department (and the top level) 1, 2, ... in the merged order: the
 // order of the side that changed it, with what the other side added placed after its predecessor
 // there. Where both sides changed the order of one department's children, `keepMine(department)`
 // says whose holds (-1 for the top level).
-void placeChildren(const Input& input, QHash<ChartFingerprint::Key, GroupRow>& groups,
+void placeChildren(const ChildOrders& orders, QHash<ChartFingerprint::Key, GroupRow>& groups,
     QHash<ChartFingerprint::Key, RelationRow>& relations, const std::function<bool(int department)>& keepMine);
 
 // The merged rank order of `wanted`, by the same rule.
