@@ -362,6 +362,8 @@ class TestChartMerge : public QObject
 private Q_SLOTS:
     void merge_data();
     void merge();
+    void rowOrderDoesNotMatter_data() { merge_data(); }
+    void rowOrderDoesNotMatter();
     void nothingChangedThereIsNoConflict();
     void changesAreNamed();
 };
@@ -396,6 +398,38 @@ void TestChartMerge::merge()
         }
         // Whatever was decided, nothing of the merge refers to a row it left out.
         QCOMPARE(danglingReference(result), QString());
+    }
+}
+
+void TestChartMerge::rowOrderDoesNotMatter()
+{
+    // The merge walks both sides expecting their rows mostly in one order; rows in another order
+    // must merge to the same.
+    QFETCH(int, index);
+    const Case& c = cases()[static_cast<size_t>(index)];
+    const ChartTables base = baseTables();
+    ChartTables mine = base;
+    c.here(mine);
+    ChartTables theirs = base;
+    c.there(theirs);
+    const auto reversed = [](ChartTables t) {
+        std::reverse(t.members.begin(), t.members.end());
+        std::reverse(t.relations.begin(), t.relations.end());
+        std::reverse(t.fileBox.folders.begin(), t.fileBox.folders.end());
+        std::reverse(t.fileBox.userAuthorities.begin(), t.fileBox.userAuthorities.end());
+        return t;
+    };
+    ChartMerge inOrder(ChartFingerprint::of(base), mine, std::make_shared<ChartTables>(theirs));
+    ChartMerge otherOrder(ChartFingerprint::of(base), reversed(mine), std::make_shared<ChartTables>(reversed(theirs)));
+    QStringList expected = conflictsOf(inOrder).split(u';');
+    QStringList actual = conflictsOf(otherOrder).split(u';');
+    expected.sort();
+    actual.sort();
+    QCOMPARE(actual, expected);
+    for (const bool keepMine : {true, false}) {
+        inOrder.decideAll(keepMine);
+        otherOrder.decideAll(keepMine);
+        QVERIFY(ChartFingerprint::of(otherOrder.result()) == ChartFingerprint::of(inOrder.result()));
     }
 }
 
