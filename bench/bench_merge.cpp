@@ -1,7 +1,8 @@
 // Two saves meeting on a large chart: this console and someone else each changed 1,000 users (a
 // field each, 100 of them the same user on both sides, decided as "all mine"), added 100 departments
 // and removed 100 memberships. The merge (the comparison, the rows both changed, the renumbering and
-// the merged tables) must stay under 1 s at 100,000 users. Reference, measured in the same run: one
+// the merged tables), with its result made once more under the other decisions, must stay under 1 s
+// at 100,000 users. Reference, measured in the same run: one
 // fingerprint of the tables, which any comparison of the two sides must at least make.
 // usage: bench_merge [--scale F]
 
@@ -63,12 +64,18 @@ int main(int argc, char** argv)
     const double reference = timeIt([&] { basePrint = ChartFingerprint::of(base); });
     size_t conflicts = 0;
     size_t merged = 0;
+    std::unique_ptr<ChartMerge> merge;
     const double merging = timeIt([&] {
         // The console hands over tables made for the merge; the copy for it is not the merge's work.
-        ChartMerge merge(basePrint, std::move(mine), theirs);
-        merge.decideAll(true);
-        conflicts = merge.conflicts().size();
-        merged = merge.result().members.size();
+        merge = std::make_unique<ChartMerge>(basePrint, std::move(mine), theirs);
+        merge->decideAll(true);
+        conflicts = merge->conflicts().size();
+        merged = merge->result().members.size();
+    });
+    // Deciding otherwise takes another pass over the tables.
+    const double again = timeIt([&] {
+        merge->decideAll(false);
+        merged = std::min(merged, merge->result().members.size());
     });
 
     QTextStream out(stdout);
@@ -77,11 +84,12 @@ int main(int argc, char** argv)
                .arg(merging, 0, 'f', 3)
                .arg(reference, 0, 'f', 3)
                .arg(merging / reference, 0, 'f', 2);
+    out << QStringLiteral("all theirs     %1 s   (the result again under other decisions)\n").arg(again, 0, 'f', 3);
     if (conflicts != 100 || merged != base.members.size()) {
         out << "the merge did not find the 100 rows changed on both sides" << Qt::endl;
         return 1;
     }
-    if (size.members >= 100000 && merging > kBoundSeconds) {
+    if (size.members >= 100000 && merging + again > kBoundSeconds) {
         out << "over the bound of " << kBoundSeconds << " s" << Qt::endl;
         return 1;
     }

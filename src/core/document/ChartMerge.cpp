@@ -789,7 +789,8 @@ ChartMerge::ChartMerge(ChartFingerprint base, ChartTables mine, std::shared_ptr<
     m_theirChanges = ChartDiff::between(m_base, m_sides->theirPrint, *m_names);
     m_myChanges = ChartDiff::between(m_base, m_sides->minePrint, *m_names);
     // One pass meets every conflict: each is taken as decided for this console's side, as it starts.
-    Engine(*m_sides, *m_names, m_conflicts).run(nullptr);
+    m_firstPass = std::make_unique<Engine>(*m_sides, *m_names, m_conflicts);
+    m_firstPass->run(&m_firstPassDropped);
 }
 
 ChartMerge::~ChartMerge() = default;
@@ -802,6 +803,13 @@ void ChartMerge::decideAll(bool bKeepMine)
 
 ChartTables ChartMerge::result(QStringList* dropped) const
 {
+    const bool bAllMine = std::all_of(
+        m_conflicts.begin(), m_conflicts.end(), [](const MergeConflict& conflict) { return conflict.bKeepMine; });
+    if (bAllMine) {
+        if (dropped)
+            *dropped << m_firstPassDropped;
+        return m_firstPass->assemble();
+    }
     std::vector<MergeConflict> decisions = m_conflicts;
     Engine engine(*m_sides, *m_names, decisions);
     engine.run(dropped);

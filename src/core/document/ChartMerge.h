@@ -86,6 +86,10 @@ private:
     std::shared_ptr<const ChartTables> m_theirs;
     std::unique_ptr<const ChartNames> m_names;
     std::unique_ptr<const Sides> m_sides;
+    // The pass that found the conflicts, all decided for this console's side: the result under
+    // those decisions, the most common ones, is this pass's.
+    std::unique_ptr<Engine> m_firstPass;
+    QStringList m_firstPassDropped;
     std::vector<RowChange> m_theirChanges;
     std::vector<RowChange> m_myChanges;
     std::vector<Renumbering> m_renumbered;
