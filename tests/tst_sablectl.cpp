@@ -728,7 +728,7 @@ void TestSablectl::logAfterTwoSaves()
     QVERIFY2(log.code == 0, qPrintable(log.err));
     // Passwords are never shown, only that they changed.
     QVERIFY(!log.out.contains(QLatin1String("s3cret-new")));
-    QStringList lines; // a row a line: the save's place (1 the newest), table, action, name, login ID, fields
+    QStringList lines; // a row a line: the save's place (1 the newest), table, action, name, login ID, fields, key
     if (args.contains(QStringLiteral("--json"))) {
         const QJsonArray array = QJsonDocument::fromJson(log.out.toUtf8()).array();
         QCOMPARE(array.size(), saves);
@@ -738,7 +738,8 @@ void TestSablectl::logAfterTwoSaves()
                 lines << QStringList {QString::number(i + 1), row[QStringLiteral("table")].toString(),
                     row[QStringLiteral("action")].toString(), row[QStringLiteral("name")].toString(),
                     row[QStringLiteral("loginId")].toString(),
-                    row[QStringLiteral("fields")].toVariant().toStringList().join(QStringLiteral(", "))}
+                    row[QStringLiteral("fields")].toVariant().toStringList().join(QStringLiteral(", ")),
+                    row[QStringLiteral("key")].toString()}
                              .join(u'|');
         }
     } else {
@@ -752,7 +753,8 @@ void TestSablectl::logAfterTwoSaves()
                 continue;
             }
             const QStringList f = line.trimmed().split(u'\t');
-            lines << QStringList {QString::number(save), f.value(0), f.value(1), f.value(2), f.value(3), f.value(5)}
+            lines << QStringList {QString::number(save), f.value(0), f.value(1), f.value(2), f.value(3), f.value(5),
+                f.value(6)}
                          .join(u'|');
         }
         QCOMPARE(save, saves);
@@ -760,9 +762,9 @@ void TestSablectl::logAfterTwoSaves()
     QCOMPARE(lines.isEmpty(), saves == 0);
     if (saves == 0)
         return;
-    // Newest first: the password and the rename, then the deleted user.
-    for (const char* expected : {"1|사용자|변경|김정훈 (jhkim)|jhkim|비밀번호", "1|부서|변경|재무회계팀||이름",
-             "2|사용자|삭제|강은서 (eskang)|eskang|"})
+    // Newest first: the password and the rename, then the deleted user and membership, each by its key.
+    for (const char* expected : {"1|사용자|변경|김정훈 (jhkim)|jhkim|비밀번호|1", "1|부서|변경|재무회계팀||이름|4",
+             "2|사용자|삭제|강은서 (eskang)|eskang||6", "2|소속|삭제|강은서 (eskang) - 인사팀|eskang||6/3"})
         QVERIFY2(lines.contains(QString::fromUtf8(expected)), qPrintable(lines.join(u'\n')));
 }
 

@@ -139,7 +139,9 @@ void printText(Context& context, const std::vector<SaveGroup>& saves)
         context.out << whenText(save.save->savedAt) << "  " << whoText(save.save->author) << "  " << save.rows.size()
                     << " rows\n";
         for (const JournalEntry* row : save.rows) {
-            QStringList fields {row->table, row->action, row->name, row->loginId, row->department, row->fields};
+            // The key comes last: scripts that read the columns before it by place still find them.
+            QStringList fields {
+                row->table, row->action, row->name, row->loginId, row->department, row->fields, row->key};
             context.out << "    " << fields.join(u'\t') << '\n';
         }
     }
@@ -153,8 +155,8 @@ QByteArray json(const std::vector<SaveGroup>& saves)
         QJsonArray rows;
         for (const JournalEntry* row : save.rows)
             rows.append(QJsonObject {{QStringLiteral("table"), row->table}, {QStringLiteral("action"), row->action},
-                {QStringLiteral("name"), row->name}, {QStringLiteral("loginId"), row->loginId},
-                {QStringLiteral("department"), row->department},
+                {QStringLiteral("key"), row->key}, {QStringLiteral("name"), row->name},
+                {QStringLiteral("loginId"), row->loginId}, {QStringLiteral("department"), row->department},
                 {QStringLiteral("fields"),
                     QJsonArray::fromStringList(row->fields.split(QStringLiteral(", "), Qt::SkipEmptyParts))}});
         out.append(QJsonObject {{QStringLiteral("save"), save.save->saveId},
