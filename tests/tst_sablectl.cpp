@@ -40,6 +40,8 @@ private Q_SLOTS:
     void chartRestoreRoundTrip();
     void chartRestoreRefusals_data();
     void chartRestoreRefusals();
+    void chartRestoreGathersLaterRows_data();
+    void chartRestoreGathersLaterRows();
     void logAfterTwoSaves_data();
     void logAfterTwoSaves();
 
@@ -101,6 +103,21 @@ void removeMember(QJsonObject& chart, const QString& login)
     const int id = memberId(chart, login);
     removeRows(chart, QStringLiteral("members"), QStringLiteral("K_MemberID"), id);
     removeRows(chart, QStringLiteral("relations"), QStringLiteral("K_MemberID"), id);
+}
+
+// A table dump with the rows of each table in sorted order: rows put back from several restore
+// points come in another order than they were written.
+QStringList sortedDump(const QString& database)
+{
+    QStringList dump = tableDump(database);
+    for (qsizetype from = 0; from < dump.size();) {
+        qsizetype to = from + 1;
+        while (to < dump.size() && !dump[to].startsWith(QLatin1String("== ")))
+            ++to;
+        std::sort(dump.begin() + from + 1, dump.begin() + to);
+        from = to;
+    }
+    return dump;
 }
 
 bool execute(const QString& database, const QStringList& statements)
@@ -694,6 +711,75 @@ void TestSablectl::chartRestoreRefusals()
         qPrintable(result.err));
     QCOMPARE(tableDump(database), before);
     QCOMPARE(restorePoints(home, folder), points);
+}
+
+void TestSablectl::chartRestoreGathersLaterRows_data()
+{
+    QTest::addColumn<QStringList>("steps"); // saves after the oldest point, in order
+    QTest::addColumn<bool>("bRestored");
+    QTest::newRow("two later saves each removed a user") << QStringList {"remove eskang", "remove jwjung"} << true;
+    QTest::newRow("removed, restored, removed again")
+        << QStringList {"remove eskang", "restore oldest", "remove eskang"} << true;
+    QTest::newRow("a newer point is damaged")
+        << QStringList {"remove eskang", "remove jwjung", "damage newest"} << false;
+}
+
+void TestSablectl::chartRestoreGathersLaterRows()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(bool, bRestored);
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    // jwjung (5) and eskang (6) keep lists and memos, naming each other and jhkim (1); jwjung's memo
+    // from eskang outlives eskang until jwjung goes too.
+    QVERIFY(execute(database,
+        {QStringLiteral("INSERT INTO SD_Antenna VALUES (1,6)"), QStringLiteral("INSERT INTO SD_Antenna VALUES (6,5)"),
+            QStringLiteral("INSERT INTO SD_Antenna VALUES (5,1)"),
+            QStringLiteral("INSERT INTO SD_MyMember VALUES (5,6,NULL)"),
+            QStringLiteral("INSERT INTO SD_MyGroup VALUES (6,1,'동기')"),
+            QStringLiteral("INSERT INTO SD_MyGroup VALUES (5,1,'팀')"),
+            QStringLiteral("INSERT INTO SD_LeavedMemo VALUES (6,1,'회의 자료')"),
+            QStringLiteral("INSERT INTO SD_LeavedMemo VALUES (5,6,'인수인계')")}));
+    const QStringList original = sortedDump(database);
+    // A save that changes nothing of the users, so that the oldest point holds them all and no rows.
+    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) {
+        setField(chart, QStringLiteral("groups"), QStringLiteral("K_GroupID"), 4, QStringLiteral("GroupName"),
+            QStringLiteral("재무회계팀"));
+    }));
+    const QString oldest = restorePoints(home, folder).value(0);
+    const auto restoreOldest = [&] {
+        return run(home,
+            {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"), oldest,
+                QStringLiteral("--yes")});
+    };
+    QString damaged;
+    for (const QString& step : steps) {
+        const QString login = step.section(u' ', 1);
+        if (step.startsWith(QLatin1String("remove")))
+            QVERIFY(saveEdited(home, folder, [&login](QJsonObject& chart) { removeMember(chart, login); }));
+        else if (step == QLatin1String("restore oldest"))
+            QCOMPARE(restoreOldest().code, 0);
+        else if (step == QLatin1String("damage newest")) {
+            damaged = restorePoints(home, folder).value(0);
+            home.writeFile(QStringLiteral("home/backups/") + damaged, "not a restore point");
+        }
+    }
+    QVERIFY(sortedDump(database) != original);
+    const QStringList before = sortedDump(database);
+
+    const Result restored = restoreOldest();
+    if (!bRestored) {
+        QCOMPARE(restored.code, 1);
+        QVERIFY2(restored.err.contains(damaged) && restored.err.contains(QLatin1String("nothing was written")),
+            qPrintable(restored.err));
+        QCOMPARE(sortedDump(database), before);
+        return;
+    }
+    QVERIFY2(restored.code == 0, qPrintable(restored.err));
+    // Every user and per-user row back, each row once, and the department's first name.
+    QCOMPARE(sortedDump(database), original);
 }
 
 void TestSablectl::logAfterTwoSaves_data()

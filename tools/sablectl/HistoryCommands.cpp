@@ -77,7 +77,14 @@ int restore(Context& context, QStringList args)
     if (args.size() != 1 || args.first().startsWith(QLatin1String("--")))
         return kUsage;
     QString problem;
-    const std::optional<RestorePoint> point = RestorePoints::read(pointPath(context, args.first()), &problem);
+    QString newer;
+    const std::optional<RestorePoint> point
+        = RestorePoints::readForRestore(pointPath(context, args.first()), &problem, &newer);
+    if (!point && !newer.isEmpty())
+        return context.fail(QStringLiteral("a newer restore point cannot be read: %1\nit may hold per-user rows of "
+                                           "users this restore brings back; move it out of %2 to restore without "
+                                           "them; nothing was written")
+                                .arg(problem, QDir::toNativeSeparators(QFileInfo(newer).absolutePath())));
     if (!point)
         return context.fail(problem + QStringLiteral("; nothing was written"));
 
