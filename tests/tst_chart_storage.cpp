@@ -4,8 +4,10 @@
 #include "ChartText.h"
 #include "TestSupport.h"
 #include "db/BatchInserter.h"
+#include "db/DbSchema.h"
 #include "db/PostgresCopy.h"
 #include "document/CSableManagerDoc.h"
+#include "document/ChangeJournal.h"
 #include "document/ChartEdits.h"
 #include "document/ChartImport.h"
 #include "document/ChartJson.h"
@@ -156,10 +158,16 @@ private Q_SLOTS:
     void writtenTextsReadBack();
     void restorePointReadsBack_data();
     void restorePointReadsBack();
+    void journalRowsCarryKeys_data();
+    void journalRowsCarryKeys();
+    void journalWithoutKeysGainsThem_data();
+    void journalWithoutKeysGainsThem();
 
 private:
     ChartSave::Collaborators saveWith(const QString& connectionString, QStringList* calls = nullptr);
     void addEngineRows();
+    // Saves the demo organisation into `db`, then the chart `edit` makes of what it reads back.
+    bool saveDemoThenEdit(const QString& db, const std::function<void(ChartTables&)>& edit);
 
     TempHome m_home;
     PgServer m_pg;
@@ -884,6 +892,182 @@ void TestChartStorage::restorePointReadsBack()
     QCOMPARE(rows[0][1].toString(), QStringLiteral("친구 \"1\""));
     QCOMPARE(rows[1][0].toInt(), 8);
     QVERIFY(rows[1][1].isNull());
+}
+
+bool TestChartStorage::saveDemoThenEdit(const QString& db, const std::function<void(ChartTables&)>& edit)
+{
+    const IniFile settings(m_home.path(QStringLiteral("journal.ini")));
+    CSableManagerDoc demo;
+    demo.adopt(DemoOrganisation::contents());
+    if (ChartSave::run(demo, settings, saveWith(db)) != ChartSave::Outcome::Saved)
+        return false;
+    ChartReader::Result loaded = load(db);
+    if (loaded.outcome != ChartReader::Outcome::Loaded)
+        return false;
+    CSableManagerDoc doc;
+    doc.adopt(std::move(loaded.contents));
+    ChartTables tables = doc.tables();
+    edit(tables);
+    // As a chart file is saved: in place of what the database holds.
+    ChartSave::Collaborators with = saveWith(db);
+    with.bReplace = true;
+    DbConnection connection;
+    return connection.open(db) && ChartImport::replaceChart(connection, doc, std::move(tables))
+        && ChartSave::run(doc, settings, with) == ChartSave::Outcome::Saved;
+}
+
+namespace {
+
+// The rows of the newest save in the journal, a row as "table|action|key|login ID|department".
+QStringList newestJournalRows(const QString& connectionString)
+{
+    DbConnection db;
+    if (!db.open(connectionString))
+        return {QStringLiteral("not opened")};
+    const std::optional<std::vector<JournalEntry>> entries = ChangeJournal::read(db, {});
+    if (!entries)
+        return {QStringLiteral("not read: ") + DbConnection::lastError()};
+    QStringList rows;
+    for (const JournalEntry& entry : *entries) {
+        if (entry.saveId == entries->front().saveId)
+            rows << QStringList {entry.table, entry.action, entry.key, entry.loginId, entry.department}.join(u'|');
+    }
+    return rows;
+}
+
+void renameGroup4(ChartTables& tables)
+{
+    for (GroupRow& group : tables.groups) {
+        if (group.K_GroupID == 4)
+            group.GroupName = QStringLiteral("재무회계팀");
+    }
+}
+
+template <typename Row, typename Keep>
+void keepOnly(std::vector<Row>& rows, Keep keep)
+{
+    std::erase_if(rows, [&keep](const Row& row) { return !keep(row); });
+}
+
+} // namespace
+
+void TestChartStorage::journalRowsCarryKeys_data()
+{
+    using Edit = std::function<void(ChartTables&)>;
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<Edit>("edit");
+    QTest::addColumn<QStringList>("expected");
+    const auto addGroup = [](ChartTables& t) { t.groups.push_back({90, QStringLiteral("신설팀"), 2, 9, 2}); };
+    const auto removeGroup = [](ChartTables& t) {
+        keepOnly(t.groups, [](const GroupRow& g) { return g.K_GroupID != 4; });
+        keepOnly(t.relations, [](const RelationRow& r) { return r.K_GroupID != 4; });
+    };
+    const auto addMember = [](ChartTables& t) {
+        MemberRecord added = t.members.front();
+        added.K_MemberID = 900;
+        added.MemberID = QStringLiteral("newcomer");
+        t.members.push_back(added);
+        t.relations.push_back({900, 7, 6, 9});
+    };
+    const auto changeMember = [](ChartTables& t) {
+        for (MemberRecord& m : t.members) {
+            if (m.K_MemberID == 3)
+                m.Email = QStringLiteral("mj@example.com");
+        }
+    };
+    const auto removeMember = [](ChartTables& t) {
+        keepOnly(t.members, [](const MemberRecord& m) { return m.K_MemberID != 6; });
+        keepOnly(t.relations, [](const RelationRow& r) { return r.K_MemberID != 6; });
+    };
+    const auto addMembership = [](ChartTables& t) { t.relations.push_back({6, 4, 3, 9}); };
+    const auto changeMembership = [](ChartTables& t) {
+        for (RelationRow& r : t.relations) {
+            if (r.K_MemberID == 6)
+                r.K_RankID = 2;
+        }
+    };
+    for (const char* kind : {"sqlite", "postgresql"}) {
+        const auto row
+            = [kind](const char* name) -> QTestData& { return QTest::addRow("%s, %s", kind, name) << QString(kind); };
+        row("department added") << Edit(addGroup) << QStringList {"부서|추가|90||신설팀"};
+        row("department changed") << Edit(renameGroup4) << QStringList {"부서|변경|4||재무회계팀"};
+        row("department removed") << Edit(removeGroup)
+                                  << QStringList {"부서|삭제|4||재무팀", "소속|삭제|7/4|dhyoon|재무팀",
+                                         "소속|삭제|10/4|yjhan|재무팀"};
+        row("user and membership added") << Edit(
+            addMember) << QStringList {"사용자|추가|900|newcomer|", "소속|추가|900/7|newcomer|해외영업팀"};
+        row("user changed") << Edit(changeMember) << QStringList {"사용자|변경|3|mjlee|"};
+        row("user removed") << Edit(removeMember)
+                            << QStringList {"사용자|삭제|6|eskang|", "소속|삭제|6/3|eskang|인사팀"};
+        row("membership added") << Edit(addMembership) << QStringList {"소속|추가|6/4|eskang|재무팀"};
+        row("membership changed") << Edit(changeMembership) << QStringList {"소속|변경|6/3|eskang|인사팀"};
+    }
+}
+
+void TestChartStorage::journalRowsCarryKeys()
+{
+    using Edit = std::function<void(ChartTables&)>;
+    QFETCH(QString, kind);
+    QFETCH(Edit, edit);
+    QFETCH(QStringList, expected);
+    if (kind == QLatin1String("postgresql"))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(kind, m_home, m_pg);
+    QVERIFY(!db.isEmpty());
+    QVERIFY(saveDemoThenEdit(db, edit));
+    const QStringList rows = newestJournalRows(db);
+    for (const QString& row : expected)
+        QVERIFY2(rows.contains(row), qPrintable(row + QStringLiteral(" not in:\n") + rows.join(u'\n')));
+}
+
+void TestChartStorage::journalWithoutKeysGainsThem_data()
+{
+    addEngineRows();
+}
+
+void TestChartStorage::journalWithoutKeysGainsThem()
+{
+    QFETCH(QString, kind);
+    if (kind == QLatin1String("postgresql"))
+        SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(kind, m_home, m_pg);
+    QVERIFY(!db.isEmpty());
+    // The journal as the version before keys wrote it, with one save of one row.
+    QVERIFY(run(db,
+        {QStringLiteral("CREATE TABLE SM_Journal (K_SaveID INTEGER NULL, SavedAt VARCHAR(32) NULL, OsUser "
+                        "VARCHAR(100) NULL, Host VARCHAR(100) NULL, Program VARCHAR(50) NULL, RowCount INTEGER NULL)"),
+            QStringLiteral("CREATE TABLE SM_JournalRow (K_SaveID INTEGER NULL, TableName VARCHAR(50) NULL, Action "
+                           "VARCHAR(20) NULL, RowName VARCHAR(400) NULL, LoginID VARCHAR(50) NULL, Department "
+                           "VARCHAR(100) NULL, Fields VARCHAR(1000) NULL)"),
+            QStringLiteral("INSERT INTO SM_Journal VALUES (1,'2024-05-01T09:00:00Z','old','host','console',1)"),
+            QStringLiteral("INSERT INTO SM_JournalRow VALUES (1,'부서','변경','옛 부서','','옛 부서','이름')")}));
+    DbConnection connection;
+    QVERIFY(connection.open(db));
+    // Read before any save adds the column, the old rows show without keys.
+    std::optional<std::vector<JournalEntry>> entries = ChangeJournal::read(connection, {});
+    QVERIFY2(entries, qPrintable(DbConnection::lastError()));
+    QCOMPARE(entries->size(), size_t(1));
+    QVERIFY(!DbSchema::hasColumn(connection, QStringLiteral("SM_JournalRow"), QStringLiteral("RowKey")));
+    connection.close();
+
+    QVERIFY(saveDemoThenEdit(db, renameGroup4));
+    QVERIFY(connection.open(db));
+    QVERIFY(DbSchema::hasColumn(connection, QStringLiteral("SM_JournalRow"), QStringLiteral("RowKey")));
+    entries = ChangeJournal::read(connection, {});
+    QVERIFY2(entries, qPrintable(DbConnection::lastError()));
+    QVERIFY(entries->size() > 2);
+    QCOMPARE(entries->back().name, QStringLiteral("옛 부서"));
+    QVERIFY(entries->back().key.isEmpty());
+    QCOMPARE(entries->front().key, QStringLiteral("4"));
+    // The key finds the row it names and the rows that join it, never a number it is only part of.
+    JournalFilter byKey;
+    byKey.key = QStringLiteral("4");
+    entries = ChangeJournal::read(connection, byKey);
+    QVERIFY(entries && !entries->empty());
+    for (const JournalEntry& entry : *entries)
+        QVERIFY2(QRegularExpression(QStringLiteral("^(4|\\d+/4|4/\\d+)$")).match(entry.key).hasMatch(),
+            qPrintable(entry.key));
+    connection.close();
 }
 
 QTEST_GUILESS_MAIN(TestChartStorage)

@@ -579,6 +579,13 @@ void TestConsoleWindow::journalFilters_data()
                                 << "재무" << QStringList {rename};
     QTest::newRow("login ID") << "login"
                               << "MJLEE" << QStringList {password};
+    // Department 4 was renamed, user 3 (mjlee) had the password changed; 14 is nobody's number.
+    QTest::newRow("department's number") << "key"
+                                         << "4" << QStringList {rename};
+    QTest::newRow("user's number") << "key"
+                                   << "3" << QStringList {password};
+    QTest::newRow("number of no row") << "key"
+                                      << "14" << QStringList {};
     QTest::newRow("today") << "period"
                            << "0" << QStringList {password, rename};
     QTest::newRow("from tomorrow") << "period"
@@ -612,6 +619,7 @@ void TestConsoleWindow::journalFilters()
     } else if (!filter.isEmpty()) {
         QLineEdit* edit = filter == QLatin1String("user") ? journal->userEdit()
             : filter == QLatin1String("department")       ? journal->departmentEdit()
+            : filter == QLatin1String("key")              ? journal->keyEdit()
                                                           : journal->loginEdit();
         edit->setText(text);
     }
@@ -626,8 +634,9 @@ void TestConsoleWindow::journalFilters()
     if (!summaries.isEmpty() && summaries.first() == QStringLiteral("사용자 변경 1")) {
         QTableWidget* rows = journal->rowList();
         QCOMPARE(rows->rowCount(), 1);
-        QCOMPARE(rows->item(0, 3)->text(), QStringLiteral("mjlee"));
-        QCOMPARE(rows->item(0, 5)->text(), QStringLiteral("비밀번호"));
+        QCOMPARE(rows->item(0, 2)->text(), QStringLiteral("3"));
+        QCOMPARE(rows->item(0, 4)->text(), QStringLiteral("mjlee"));
+        QCOMPARE(rows->item(0, 6)->text(), QStringLiteral("비밀번호"));
     }
 }
 

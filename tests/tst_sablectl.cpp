@@ -40,6 +40,8 @@ private Q_SLOTS:
     void chartRestoreRoundTrip();
     void chartRestoreRefusals_data();
     void chartRestoreRefusals();
+    void chartRestoreGathersLaterRows_data();
+    void chartRestoreGathersLaterRows();
     void logAfterTwoSaves_data();
     void logAfterTwoSaves();
 
@@ -101,6 +103,21 @@ void removeMember(QJsonObject& chart, const QString& login)
     const int id = memberId(chart, login);
     removeRows(chart, QStringLiteral("members"), QStringLiteral("K_MemberID"), id);
     removeRows(chart, QStringLiteral("relations"), QStringLiteral("K_MemberID"), id);
+}
+
+// A table dump with the rows of each table in sorted order: rows put back from several restore
+// points come in another order than they were written.
+QStringList sortedDump(const QString& database)
+{
+    QStringList dump = tableDump(database);
+    for (qsizetype from = 0; from < dump.size();) {
+        qsizetype to = from + 1;
+        while (to < dump.size() && !dump[to].startsWith(QLatin1String("== ")))
+            ++to;
+        std::sort(dump.begin() + from + 1, dump.begin() + to);
+        from = to;
+    }
+    return dump;
 }
 
 bool execute(const QString& database, const QStringList& statements)
@@ -696,6 +713,75 @@ void TestSablectl::chartRestoreRefusals()
     QCOMPARE(restorePoints(home, folder), points);
 }
 
+void TestSablectl::chartRestoreGathersLaterRows_data()
+{
+    QTest::addColumn<QStringList>("steps"); // saves after the oldest point, in order
+    QTest::addColumn<bool>("bRestored");
+    QTest::newRow("two later saves each removed a user") << QStringList {"remove eskang", "remove jwjung"} << true;
+    QTest::newRow("removed, restored, removed again")
+        << QStringList {"remove eskang", "restore oldest", "remove eskang"} << true;
+    QTest::newRow("a newer point is damaged")
+        << QStringList {"remove eskang", "remove jwjung", "damage newest"} << false;
+}
+
+void TestSablectl::chartRestoreGathersLaterRows()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(bool, bRestored);
+    TempHome home;
+    const QString folder = home.path(QStringLiteral("home"));
+    QVERIFY(makeDemoHome(home, folder));
+    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    // jwjung (5) and eskang (6) keep lists and memos, naming each other and jhkim (1); jwjung's memo
+    // from eskang outlives eskang until jwjung goes too.
+    QVERIFY(execute(database,
+        {QStringLiteral("INSERT INTO SD_Antenna VALUES (1,6)"), QStringLiteral("INSERT INTO SD_Antenna VALUES (6,5)"),
+            QStringLiteral("INSERT INTO SD_Antenna VALUES (5,1)"),
+            QStringLiteral("INSERT INTO SD_MyMember VALUES (5,6,NULL)"),
+            QStringLiteral("INSERT INTO SD_MyGroup VALUES (6,1,'동기')"),
+            QStringLiteral("INSERT INTO SD_MyGroup VALUES (5,1,'팀')"),
+            QStringLiteral("INSERT INTO SD_LeavedMemo VALUES (6,1,'회의 자료')"),
+            QStringLiteral("INSERT INTO SD_LeavedMemo VALUES (5,6,'인수인계')")}));
+    const QStringList original = sortedDump(database);
+    // A save that changes nothing of the users, so that the oldest point holds them all and no rows.
+    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) {
+        setField(chart, QStringLiteral("groups"), QStringLiteral("K_GroupID"), 4, QStringLiteral("GroupName"),
+            QStringLiteral("재무회계팀"));
+    }));
+    const QString oldest = restorePoints(home, folder).value(0);
+    const auto restoreOldest = [&] {
+        return run(home,
+            {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"), oldest,
+                QStringLiteral("--yes")});
+    };
+    QString damaged;
+    for (const QString& step : steps) {
+        const QString login = step.section(u' ', 1);
+        if (step.startsWith(QLatin1String("remove")))
+            QVERIFY(saveEdited(home, folder, [&login](QJsonObject& chart) { removeMember(chart, login); }));
+        else if (step == QLatin1String("restore oldest"))
+            QCOMPARE(restoreOldest().code, 0);
+        else if (step == QLatin1String("damage newest")) {
+            damaged = restorePoints(home, folder).value(0);
+            home.writeFile(QStringLiteral("home/backups/") + damaged, "not a restore point");
+        }
+    }
+    QVERIFY(sortedDump(database) != original);
+    const QStringList before = sortedDump(database);
+
+    const Result restored = restoreOldest();
+    if (!bRestored) {
+        QCOMPARE(restored.code, 1);
+        QVERIFY2(restored.err.contains(damaged) && restored.err.contains(QLatin1String("nothing was written")),
+            qPrintable(restored.err));
+        QCOMPARE(sortedDump(database), before);
+        return;
+    }
+    QVERIFY2(restored.code == 0, qPrintable(restored.err));
+    // Every user and per-user row back, each row once, and the department's first name.
+    QCOMPARE(sortedDump(database), original);
+}
+
 void TestSablectl::logAfterTwoSaves_data()
 {
     QTest::addColumn<QStringList>("args");
@@ -728,7 +814,7 @@ void TestSablectl::logAfterTwoSaves()
     QVERIFY2(log.code == 0, qPrintable(log.err));
     // Passwords are never shown, only that they changed.
     QVERIFY(!log.out.contains(QLatin1String("s3cret-new")));
-    QStringList lines; // a row a line: the save's place (1 the newest), table, action, name, login ID, fields
+    QStringList lines; // a row a line: the save's place (1 the newest), table, action, name, login ID, fields, key
     if (args.contains(QStringLiteral("--json"))) {
         const QJsonArray array = QJsonDocument::fromJson(log.out.toUtf8()).array();
         QCOMPARE(array.size(), saves);
@@ -738,7 +824,8 @@ void TestSablectl::logAfterTwoSaves()
                 lines << QStringList {QString::number(i + 1), row[QStringLiteral("table")].toString(),
                     row[QStringLiteral("action")].toString(), row[QStringLiteral("name")].toString(),
                     row[QStringLiteral("loginId")].toString(),
-                    row[QStringLiteral("fields")].toVariant().toStringList().join(QStringLiteral(", "))}
+                    row[QStringLiteral("fields")].toVariant().toStringList().join(QStringLiteral(", ")),
+                    row[QStringLiteral("key")].toString()}
                              .join(u'|');
         }
     } else {
@@ -752,7 +839,8 @@ void TestSablectl::logAfterTwoSaves()
                 continue;
             }
             const QStringList f = line.trimmed().split(u'\t');
-            lines << QStringList {QString::number(save), f.value(0), f.value(1), f.value(2), f.value(3), f.value(5)}
+            lines << QStringList {QString::number(save), f.value(0), f.value(1), f.value(2), f.value(3), f.value(5),
+                f.value(6)}
                          .join(u'|');
         }
         QCOMPARE(save, saves);
@@ -760,9 +848,9 @@ void TestSablectl::logAfterTwoSaves()
     QCOMPARE(lines.isEmpty(), saves == 0);
     if (saves == 0)
         return;
-    // Newest first: the password and the rename, then the deleted user.
-    for (const char* expected : {"1|사용자|변경|김정훈 (jhkim)|jhkim|비밀번호", "1|부서|변경|재무회계팀||이름",
-             "2|사용자|삭제|강은서 (eskang)|eskang|"})
+    // Newest first: the password and the rename, then the deleted user and membership, each by its key.
+    for (const char* expected : {"1|사용자|변경|김정훈 (jhkim)|jhkim|비밀번호|1", "1|부서|변경|재무회계팀||이름|4",
+             "2|사용자|삭제|강은서 (eskang)|eskang||6", "2|소속|삭제|강은서 (eskang) - 인사팀|eskang||6/3"})
         QVERIFY2(lines.contains(QString::fromUtf8(expected)), qPrintable(lines.join(u'\n')));
 }
 

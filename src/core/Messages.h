@@ -575,6 +575,9 @@ inline const QString kRestoreQuestion = QStringLiteral(
     "%1에 저장하기 전의 조직도를 편집 화면에 엽니다.\n저장하지 않은 변경은 모두 이 조직도로 바뀝니다 (실행 취소로 "
     "되돌릴 수 있습니다).\n계속하시겠습니까?");
 inline const QString kRestoreUnreadable = QStringLiteral("복원 지점을 열 수 없습니다.\n%1");
+inline const QString kRestoreNewerUnreadable = QStringLiteral(
+    "이보다 나중의 복원 지점을 읽을 수 없어 열지 않았습니다.\n%1\n그 뒤의 저장에서 지운 사용자의 대화 상대 목록과 "
+    "쪽지가 그 파일에 있을 수 있습니다. 그 파일을 %2 밖으로 옮기면 그것 없이 복원합니다.");
 inline const QString kRestoreOpened
     = QStringLiteral("복원 지점의 조직도를 열었습니다. 바뀐 것을 확인한 뒤 저장하세요.\n%1");
 inline const QString kCmdJournal = QStringLiteral("변경 기록(&J)");
@@ -589,12 +592,14 @@ inline const QString kJournalTo = QStringLiteral("~");
 inline const QString kJournalUser = QStringLiteral("관리자(&A)");
 inline const QString kJournalDepartment = QStringLiteral("부서(&D)");
 inline const QString kJournalLogin = QStringLiteral("아이디(&I)");
+inline const QString kJournalKey = QStringLiteral("번호(&N)");
 inline const QString kJournalWhenColumn = QStringLiteral("저장한 때");
 inline const QString kJournalWhoColumn = QStringLiteral("저장한 사람");
 inline const QString kJournalProgramColumn = QStringLiteral("프로그램");
 inline const QString kJournalSummaryColumn = QStringLiteral("바뀐 것");
 inline const QString kJournalTableColumn = QStringLiteral("구분");
 inline const QString kJournalActionColumn = QStringLiteral("변경");
+inline const QString kJournalKeyColumn = QStringLiteral("번호");
 inline const QString kJournalNameColumn = QStringLiteral("이름");
 inline const QString kJournalLoginColumn = QStringLiteral("아이디");
 inline const QString kJournalDepartmentColumn = QStringLiteral("부서");

@@ -77,7 +77,14 @@ int restore(Context& context, QStringList args)
     if (args.size() != 1 || args.first().startsWith(QLatin1String("--")))
         return kUsage;
     QString problem;
-    const std::optional<RestorePoint> point = RestorePoints::read(pointPath(context, args.first()), &problem);
+    QString newer;
+    const std::optional<RestorePoint> point
+        = RestorePoints::readForRestore(pointPath(context, args.first()), &problem, &newer);
+    if (!point && !newer.isEmpty())
+        return context.fail(QStringLiteral("a newer restore point cannot be read: %1\nit may hold per-user rows of "
+                                           "users this restore brings back; move it out of %2 to restore without "
+                                           "them; nothing was written")
+                                .arg(problem, QDir::toNativeSeparators(QFileInfo(newer).absolutePath())));
     if (!point)
         return context.fail(problem + QStringLiteral("; nothing was written"));
 
@@ -139,7 +146,9 @@ void printText(Context& context, const std::vector<SaveGroup>& saves)
         context.out << whenText(save.save->savedAt) << "  " << whoText(save.save->author) << "  " << save.rows.size()
                     << " rows\n";
         for (const JournalEntry* row : save.rows) {
-            QStringList fields {row->table, row->action, row->name, row->loginId, row->department, row->fields};
+            // The key comes last: scripts that read the columns before it by place still find them.
+            QStringList fields {
+                row->table, row->action, row->name, row->loginId, row->department, row->fields, row->key};
             context.out << "    " << fields.join(u'\t') << '\n';
         }
     }
@@ -153,8 +162,8 @@ QByteArray json(const std::vector<SaveGroup>& saves)
         QJsonArray rows;
         for (const JournalEntry* row : save.rows)
             rows.append(QJsonObject {{QStringLiteral("table"), row->table}, {QStringLiteral("action"), row->action},
-                {QStringLiteral("name"), row->name}, {QStringLiteral("loginId"), row->loginId},
-                {QStringLiteral("department"), row->department},
+                {QStringLiteral("key"), row->key}, {QStringLiteral("name"), row->name},
+                {QStringLiteral("loginId"), row->loginId}, {QStringLiteral("department"), row->department},
                 {QStringLiteral("fields"),
                     QJsonArray::fromStringList(row->fields.split(QStringLiteral(", "), Qt::SkipEmptyParts))}});
         out.append(QJsonObject {{QStringLiteral("save"), save.save->saveId},

@@ -241,6 +241,29 @@ bool createTableIfMissing(DbConnection& connection, const QString& table, const 
         QStringLiteral("CREATE TABLE %1 (%2)").arg(table, definitions.join(QStringLiteral(", "))));
 }
 
+bool hasColumn(const DbConnection& connection, const QString& table, const QString& column)
+{
+    const QSqlRecord record = recordOf(connection, table);
+    for (int i = 0; i < record.count(); ++i) {
+        if (record.fieldName(i).compare(column, Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
+bool addColumnIfMissing(DbConnection& connection, const QString& table, const ColumnSpec& column)
+{
+    if (hasColumn(connection, table, column.name))
+        return true;
+    const Dialect dialect = dialectOf(connection);
+    const QByteArray name = column.name.toLatin1();
+    // SQL Server knows no COLUMN keyword here; the others want it.
+    const QString add = dialect == Dialect::SqlServer ? QStringLiteral("ADD") : QStringLiteral("ADD COLUMN");
+    return connection.executeNoRecords(
+        QStringLiteral("ALTER TABLE %1 %2 %3 %4 NULL")
+            .arg(table, add, column.name, columnType({name.constData(), column.textLength}, dialect)));
+}
+
 QString rankOrderColumn()
 {
     return QStringLiteral("RankOrder");

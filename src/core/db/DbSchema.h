@@ -51,6 +51,11 @@ struct ColumnSpec
 };
 // Creates `table` unless it exists; false when the statement failed.
 bool createTableIfMissing(DbConnection& connection, const QString& table, const QList<ColumnSpec>& columns);
+// Whether `table` has `column` (both named without regard to case).
+bool hasColumn(const DbConnection& connection, const QString& table, const QString& column);
+// Adds `column` to `table` where a table made by an earlier version lacks it; its rows stay, the new
+// column empty. False when the statement failed.
+bool addColumnIfMissing(DbConnection& connection, const QString& table, const ColumnSpec& column);
 
 // Name of the column that keeps the rank order on servers that do not return rows in insertion
 // order; tables created by the console carry it, the loader orders by it when it is there.

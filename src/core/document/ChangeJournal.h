@@ -31,6 +31,7 @@ struct JournalEntry
     SaveAuthor author;
     QString table; // "부서", "사용자", ...
     QString action; // "추가", "변경", "삭제"
+    QString key; // the row's number in its table ("12", "345/12"); empty in rows of older versions
     QString name;
     QString loginId;
     QString department;
@@ -44,6 +45,7 @@ struct JournalFilter
     QString user; // part of the account name, without regard to case; empty: anyone
     QString department; // part of a department name
     QString loginId; // part of a login ID
+    QString key; // a row's number, or one of the two numbers of a row that joins two
     int limit = 10000; // the newest rows first, at most this many
 };
 
@@ -53,7 +55,8 @@ struct JournalFilter
 // changed field.
 namespace ChangeJournal {
 
-// Creates the two tables where they are missing; false when that failed.
+// Creates the two tables where they are missing, and the columns later versions added to tables an
+// earlier one made; false when that failed.
 bool ensureTables(DbConnection& connection);
 
 // Records one save and its rows; false when a statement failed.

@@ -97,6 +97,23 @@ QString ChartNames::row(ChartTable table, ChartFingerprint::Key key) const
     return {};
 }
 
+QString ChartNames::key(ChartTable table, ChartFingerprint::Key key)
+{
+    switch (table) {
+    case ChartTable::Relations:
+    case ChartTable::GroupAuthorities:
+    case ChartTable::UserAuthorities:
+        return QStringLiteral("%1/%2").arg(ChartFingerprint::high(key)).arg(ChartFingerprint::low(key));
+    case ChartTable::Groups:
+    case ChartTable::Members:
+    case ChartTable::Ranks:
+    case ChartTable::Folders:
+    case ChartTable::DirectoryLinks:
+        break;
+    }
+    return QString::number(static_cast<int>(key));
+}
+
 QString ChartNames::field(ChartTable table, int field)
 {
     switch (table) {

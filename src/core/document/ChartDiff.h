@@ -33,6 +33,9 @@ public:
     // The name of the row `key` of `table`.
     QString row(ChartTable table, ChartFingerprint::Key key) const;
 
+    // What identifies the row `key` in `table`: its number ("12"), or the two numbers of a row that
+    // joins two ("345/12": user and department of a membership, folder and grantee of a permission).
+    static QString key(ChartTable table, ChartFingerprint::Key key);
     // The name of a field of `table`'s rows as the console shows it.
     static QString field(ChartTable table, int field);
     // "부서", "사용자", ...

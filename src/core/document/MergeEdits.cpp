@@ -52,11 +52,22 @@ QList<int> userColumns(const UserDataRows& table)
     return columns;
 }
 
+// A row as text that tells it apart from any other row of any table: the same row kept by two
+// restore points (a user put back, then removed again) goes back once.
+QString rowKey(const UserDataRows& table, const QVariantList& row)
+{
+    QStringList parts {table.table, table.columns.join(u',')};
+    for (const QVariant& value : row)
+        parts << (value.isNull() ? QStringLiteral("\x01") : u'=' + value.toString());
+    return parts.join(u'\x02');
+}
+
 } // namespace
 
 UserData rowsToPutBack(const UserData& rows, const QSet<int>& returning, const QSet<int>& present)
 {
     UserData kept;
+    QSet<QString> seen;
     for (const UserDataRows& table : rows) {
         const QList<int> columns = userColumns(table);
         UserDataRows out {table.table, table.columns, {}};
@@ -68,7 +79,11 @@ UserData rowsToPutBack(const UserData& rows, const QSet<int>& returning, const Q
                 bReturns = bReturns || returning.contains(id);
                 bComplete = bComplete && present.contains(id);
             }
-            if (bReturns && bComplete)
+            if (!bReturns || !bComplete)
+                continue;
+            const qsizetype before = seen.size();
+            seen.insert(rowKey(table, row));
+            if (seen.size() > before)
                 out.rows.push_back(row);
         }
         if (!out.rows.empty())

@@ -25,8 +25,8 @@ void applyMerge(CSableManagerDoc& doc, const ChartMerge& merge, QStringList* dro
 // back with them. Unsaved edits are replaced too (the step undoes that).
 void applyRestore(CSableManagerDoc& doc, const RestorePoint& point);
 
-// Of `rows`, those of users who return (`returning`) and name nobody missing from `present`: what a
-// restore puts back without duplicating a row the database still holds.
+// Of `rows`, those of users who return (`returning`) and name nobody missing from `present`, each
+// once: what a restore puts back without duplicating a row the database still holds.
 UserData rowsToPutBack(const UserData& rows, const QSet<int>& returning, const QSet<int>& present);
 
 // Replaces the contents with what the database holds now, dropping this console's changes; the

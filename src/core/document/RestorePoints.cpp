@@ -1,6 +1,7 @@
 #include "document/RestorePoints.h"
 
 #include "document/ChartJson.h"
+#include "document/MergeEdits.h"
 #include "platform/Gzip.h"
 #include "platform/PrivateFiles.h"
 
@@ -75,12 +76,56 @@ std::optional<UserData> userDataFrom(const QJsonArray& tables)
     return data;
 }
 
+QString timeText(const QDateTime& savedAt)
+{
+    return savedAt.toUTC().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz"));
+}
+
 QString fileNameFor(const RestorePoint& point)
 {
     QString user = point.author.user;
     user.replace(QRegularExpression(QStringLiteral("[^A-Za-z0-9._-]")), QStringLiteral("_"));
-    return point.savedAt.toUTC().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz")) + u'-'
-        + (user.isEmpty() ? QStringLiteral("unknown") : user) + kSuffix;
+    return timeText(point.savedAt) + u'-' + (user.isEmpty() ? QStringLiteral("unknown") : user) + kSuffix;
+}
+
+// The points of the folder of `path` that saves after `savedAt` wrote, oldest first. Files not named
+// as a save names its point are none of them.
+QStringList newerPoints(const QString& path, const QDateTime& savedAt)
+{
+    static const QRegularExpression named(QStringLiteral("^\\d{8}-\\d{6}-\\d{3}-"));
+    const QFileInfo self(path);
+    const QDir dir = self.absoluteDir();
+    const QString after = timeText(savedAt);
+    QStringList newer;
+    for (const QString& name : dir.entryList({u'*' + kSuffix}, QDir::Files, QDir::Name)) {
+        const QFileInfo file(dir.filePath(name));
+        if (named.match(name).hasMatch() && name.left(after.size()) > after && file != self)
+            newer << file.filePath();
+    }
+    return newer;
+}
+
+// Only the per-user rows of the point in `path`: the lines before its chart, which stays packed.
+std::optional<UserData> readUserData(const QString& path, QString* problem)
+{
+    const auto fail = [&](const QString& why) {
+        *problem = QFileInfo(path).fileName() + QStringLiteral(": ") + why;
+        return std::nullopt;
+    };
+    std::optional<QByteArray> head = Gzip::firstLines(path, 2, kFileLimit);
+    if (!head)
+        return fail(QStringLiteral("not a gzip file, or a damaged one"));
+    if (head->endsWith(','))
+        head->chop(1);
+    QJsonParseError parse;
+    const QJsonObject root = QJsonDocument::fromJson(*head + '}', &parse).object();
+    if (parse.error != QJsonParseError::NoError || !root.contains(QStringLiteral("restorePoint"))
+        || !root.contains(QStringLiteral("userData")))
+        return fail(QStringLiteral("not a restore point (%1)").arg(parse.errorString()));
+    std::optional<UserData> rows = userDataFrom(root.value(QStringLiteral("userData")).toArray());
+    if (!rows)
+        return fail(QStringLiteral("the per-user rows are not in the expected form"));
+    return rows;
 }
 
 } // namespace
@@ -190,6 +235,27 @@ std::optional<RestorePoint> RestorePoints::read(const QString& path, QString* pr
     if (!tables)
         return fail(chartProblem);
     point.tables = std::move(*tables);
+    return point;
+}
+
+std::optional<RestorePoint> RestorePoints::readForRestore(
+    const QString& path, QString* problem, QString* unreadableNewer)
+{
+    std::optional<RestorePoint> point = read(path, problem);
+    if (!point)
+        return std::nullopt;
+    QSet<int> members;
+    for (const MemberRecord& member : point->tables.members)
+        members.insert(member.K_MemberID);
+    for (const QString& newer : newerPoints(path, point->savedAt)) {
+        const std::optional<UserData> rows = readUserData(newer, problem);
+        if (!rows) {
+            *unreadableNewer = newer;
+            return std::nullopt;
+        }
+        for (UserDataRows& table : MergeEdits::rowsToPutBack(*rows, members, members))
+            point->userData.push_back(std::move(table));
+    }
     return point;
 }
 

@@ -56,6 +56,11 @@ public:
 
     // The whole point in `path`; nullopt with the reason (naming the file) when it is not one.
     static std::optional<RestorePoint> read(const QString& path, QString* problem);
+    // The point in `path` as a restore puts it back: beside its own per-user rows, those that the
+    // newer points of its folder kept of the users its tables hold (a user a later save removed left
+    // them in that save's point). nullopt with the reason when the point cannot be read, or when a
+    // newer one cannot (`unreadableNewer` then names it): the rows it may hold would be lost for good.
+    static std::optional<RestorePoint> readForRestore(const QString& path, QString* problem, QString* unreadableNewer);
 
 private:
     void prune() const;

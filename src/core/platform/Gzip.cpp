@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QFile>
 
+#include <algorithm>
 #include <zlib.h>
 
 namespace sable::Gzip {
@@ -12,7 +13,7 @@ constexpr int kGzipWindow = 15 + 16; // a gzip header and trailer around the def
 constexpr int kAnyWindow = 15 + 32; // zlib or gzip, as the header says
 constexpr qsizetype kChunk = 256 * 1024;
 
-// Inflates from `next` until the output holds a line, `limit` bytes or the stream's end.
+// Inflates from `next` until the output holds a number of lines, `limit` bytes or the stream's end.
 class Inflater
 {
 public:
@@ -21,8 +22,9 @@ public:
     Inflater(const Inflater&) = delete;
     Inflater& operator=(const Inflater&) = delete;
 
-    // Feeds `input`; false when the stream is damaged or the output passed `limit`.
-    bool feed(const QByteArray& input, QByteArray& out, qint64 limit, bool bStopAtLine)
+    // Feeds `input`; false when the stream is damaged or the output passed `limit`. With `lines` above
+    // zero it stops once the output holds that many line ends: what follows is never unpacked.
+    bool feed(const QByteArray& input, QByteArray& out, qint64 limit, int lines)
     {
         m_stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(input.constData()));
         m_stream.avail_in = static_cast<uInt>(input.size());
@@ -35,17 +37,23 @@ public:
             out.resize(before + kChunk - static_cast<qsizetype>(m_stream.avail_out));
             m_bEnd = status == Z_STREAM_END;
             m_ok = status == Z_OK || status == Z_STREAM_END || status == Z_BUF_ERROR;
-            if (out.size() > limit || (bStopAtLine && out.indexOf('\n', before) >= 0))
-                return m_ok && bStopAtLine && out.indexOf('\n') >= 0;
+            if (lines > 0)
+                m_lines += static_cast<int>(std::count(out.cbegin() + before, out.cend(), '\n'));
+            if (lines > 0 && m_lines >= lines)
+                return m_ok;
+            if (out.size() > limit)
+                return false;
         }
         return m_ok;
     }
+    int lines() const { return m_lines; }
     bool ended() const { return m_bEnd; }
 
 private:
     z_stream m_stream {};
     bool m_ok = false;
     bool m_bEnd = false;
+    int m_lines = 0;
 };
 
 } // namespace
@@ -115,12 +123,17 @@ std::optional<QByteArray> decompress(const QByteArray& gzipped, qint64 limit)
 {
     Inflater inflater;
     QByteArray out;
-    if (!inflater.feed(gzipped, out, limit, false) || !inflater.ended() || out.size() > limit)
+    if (!inflater.feed(gzipped, out, limit, 0) || !inflater.ended() || out.size() > limit)
         return std::nullopt;
     return out;
 }
 
 std::optional<QByteArray> firstLine(const QString& path, qint64 limit)
+{
+    return firstLines(path, 1, limit);
+}
+
+std::optional<QByteArray> firstLines(const QString& path, int count, qint64 limit)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -128,11 +141,14 @@ std::optional<QByteArray> firstLine(const QString& path, qint64 limit)
     Inflater inflater;
     QByteArray out;
     while (!file.atEnd()) {
-        if (!inflater.feed(file.read(64 * 1024), out, limit, true))
+        if (!inflater.feed(file.read(64 * 1024), out, limit, count))
             return std::nullopt;
-        const qsizetype end = out.indexOf('\n');
-        if (end >= 0)
+        if (inflater.lines() >= count) {
+            qsizetype end = -1;
+            for (int line = 0; line < count; ++line)
+                end = out.indexOf('\n', end + 1);
             return out.first(end);
+        }
         if (inflater.ended())
             break;
     }

@@ -17,6 +17,8 @@ std::optional<QByteArray> decompress(const QByteArray& gzipped, qint64 limit);
 
 // The first line (up to `limit` bytes) of a gzip-compressed file, without reading the rest.
 std::optional<QByteArray> firstLine(const QString& path, qint64 limit);
+// The first `count` lines (up to `limit` bytes, without the last line's end) in the same way.
+std::optional<QByteArray> firstLines(const QString& path, int count, qint64 limit);
 
 // A device that compresses what is written to it into `target` as one gzip stream (the format zcat
 // and every archiver read), a piece at a time, so that a large file is never held whole, plain or

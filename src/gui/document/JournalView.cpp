@@ -76,8 +76,8 @@ JournalView::JournalView(std::function<DbConnection()> connectDatabase, QWidget*
         {Msg::kJournalWhenColumn, Msg::kJournalWhoColumn, Msg::kJournalProgramColumn, Msg::kJournalSummaryColumn},
         this);
     m_rows = makeList(QStringLiteral("JournalRows"),
-        {Msg::kJournalTableColumn, Msg::kJournalActionColumn, Msg::kJournalNameColumn, Msg::kJournalLoginColumn,
-            Msg::kJournalDepartmentColumn, Msg::kJournalFieldsColumn},
+        {Msg::kJournalTableColumn, Msg::kJournalActionColumn, Msg::kJournalKeyColumn, Msg::kJournalNameColumn,
+            Msg::kJournalLoginColumn, Msg::kJournalDepartmentColumn, Msg::kJournalFieldsColumn},
         this);
     m_state = new QLabel(this);
     auto* splitter = new QSplitter(Qt::Vertical, this);
@@ -113,14 +113,16 @@ QWidget* JournalView::filterBar()
     m_user = new QLineEdit(bar);
     m_department = new QLineEdit(bar);
     m_login = new QLineEdit(bar);
+    m_key = new QLineEdit(bar);
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_period);
     layout->addWidget(m_from);
     layout->addWidget(new QLabel(Msg::kJournalTo, bar));
     layout->addWidget(m_to);
-    for (const auto& [text, edit] : {std::pair {Msg::kJournalUser, m_user},
-             std::pair {Msg::kJournalDepartment, m_department}, std::pair {Msg::kJournalLogin, m_login}}) {
+    for (const auto& [text, edit] :
+        {std::pair {Msg::kJournalUser, m_user}, std::pair {Msg::kJournalDepartment, m_department},
+            std::pair {Msg::kJournalLogin, m_login}, std::pair {Msg::kJournalKey, m_key}}) {
         auto* label = new QLabel(text, bar);
         label->setBuddy(edit);
         edit->setClearButtonEnabled(true);
@@ -151,6 +153,7 @@ JournalFilter JournalView::filter() const
     filter.user = m_user->text().trimmed();
     filter.department = m_department->text().trimmed();
     filter.loginId = m_login->text().trimmed();
+    filter.key = m_key->text().trimmed();
     return filter;
 }
 
@@ -249,7 +252,7 @@ void JournalView::showRows()
     for (size_t i = 0; i < save.count; ++i) {
         const JournalEntry& entry = m_entries[save.first + i];
         setRow(m_rows, static_cast<int>(i),
-            {entry.table, entry.action, entry.name, entry.loginId, entry.department, entry.fields});
+            {entry.table, entry.action, entry.key, entry.name, entry.loginId, entry.department, entry.fields});
     }
     m_rows->resizeColumnsToContents();
 }

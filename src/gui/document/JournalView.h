@@ -20,8 +20,9 @@ namespace sable {
 
 // The "변경 기록" view: the saves the change journal holds, newest first (when, who, with which
 // program, what changed), and the rows of the save selected below them. The filters narrow both: a
-// date range, the administrator's account, a department's name and a login ID. The journal is read
-// off the window's thread whenever the view is shown, a filter changes or refresh() is called.
+// date range, the administrator's account, a department's name, a login ID and a row's number. The
+// journal is read off the window's thread whenever the view is shown, a filter changes or refresh()
+// is called.
 class JournalView final : public QWidget
 {
     Q_OBJECT
@@ -41,6 +42,7 @@ public:
     QLineEdit* userEdit() const { return m_user; }
     QLineEdit* departmentEdit() const { return m_department; }
     QLineEdit* loginEdit() const { return m_login; }
+    QLineEdit* keyEdit() const { return m_key; }
     QLabel* stateLabel() const { return m_state; }
 
 Q_SIGNALS:
@@ -77,6 +79,7 @@ private:
     QLineEdit* m_user = nullptr;
     QLineEdit* m_department = nullptr;
     QLineEdit* m_login = nullptr;
+    QLineEdit* m_key = nullptr;
     QTableWidget* m_saves = nullptr;
     QTableWidget* m_rows = nullptr;
     QLabel* m_state = nullptr;

@@ -134,14 +134,19 @@ void RestorePointDialog::openChosen()
         return;
     setBusy(Msg::kRestoreOpening.arg(QFileInfo(path).fileName()));
     auto problem = std::make_shared<QString>();
+    auto newer = std::make_shared<QString>();
     auto point = std::make_shared<std::optional<RestorePoint>>();
-    m_worker = QThread::create([path, problem, point] { *point = RestorePoints::read(path, problem.get()); });
+    m_worker = QThread::create(
+        [path, problem, newer, point] { *point = RestorePoints::readForRestore(path, problem.get(), newer.get()); });
     m_worker->setParent(this);
-    connect(m_worker, &QThread::finished, this, [this, problem, point] {
+    connect(m_worker, &QThread::finished, this, [this, problem, newer, point] {
         finishWork();
         if (!*point) {
             m_state->clear();
-            m_prompter.warn(this, Msg::kRestoreUnreadable.arg(*problem));
+            m_prompter.warn(this,
+                newer->isEmpty() ? Msg::kRestoreUnreadable.arg(*problem)
+                                 : Msg::kRestoreNewerUnreadable.arg(
+                                     *problem, QDir::toNativeSeparators(QFileInfo(*newer).absolutePath())));
             Q_EMIT openFailed(*problem);
             return;
         }
