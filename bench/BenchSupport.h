@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QTextStream>
 
+#include <utility>
+
 namespace sable::bench {
 
 // Peak resident memory of the process since the last reset, in MiB.
@@ -26,5 +28,29 @@ double timeIt(F&& work)
     work();
     return static_cast<double>(timer.nsecsElapsed()) / 1e9;
 }
+
+// Prints each measured step as a line: its label, padded to `labelWidth`, and its time.
+class Report
+{
+public:
+    Report(QTextStream& out, int labelWidth)
+        : m_out(out)
+        , m_labelWidth(labelWidth)
+    { }
+
+    template <typename F>
+    double measure(const QString& what, F&& work)
+    {
+        const double seconds = timeIt(std::forward<F>(work));
+        m_out << what.leftJustified(m_labelWidth) << QStringLiteral("%1 ms\n").arg(seconds * 1000, 9, 'f', 1);
+        // A long run shows its progress as it goes.
+        m_out.flush();
+        return seconds;
+    }
+
+private:
+    QTextStream& m_out;
+    int m_labelWidth;
+};
 
 } // namespace sable::bench

@@ -52,7 +52,8 @@ private:
     int m_rows;
 };
 
-struct Report
+// Figures beside their references, each with the bound it must keep.
+struct BoundReport
 {
     QTextStream& out;
     bool bWithinBounds = true;
@@ -175,7 +176,7 @@ OrgNode* elsewhere(const OrgChart& chart, const OrgNode* moving)
     return found;
 }
 
-void openingAndScrolling(Report& report, CSableManagerDoc& doc, std::unique_ptr<COrganizeFormView>& editor)
+void openingAndScrolling(BoundReport& report, CSableManagerDoc& doc, std::unique_ptr<COrganizeFormView>& editor)
 {
     const double open = ms(timeIt([&] {
         editor = std::make_unique<COrganizeFormView>(doc);
@@ -208,7 +209,7 @@ void openingAndScrolling(Report& report, CSableManagerDoc& doc, std::unique_ptr<
                       .arg(treeAverage, 0, 'f', 1);
 }
 
-void sortingAndColumns(Report& report, CSableManagerDoc& doc, COrganizeFormView& editor)
+void sortingAndColumns(BoundReport& report, CSableManagerDoc& doc, COrganizeFormView& editor)
 {
     const OrgChart& chart = doc.chart();
     QStringList names;
@@ -242,7 +243,7 @@ void sortingAndColumns(Report& report, CSableManagerDoc& doc, COrganizeFormView&
         perPlacement, kColumnBoundMs);
 }
 
-void searching(Report& report, CSableManagerDoc& doc, COrganizeFormView& editor, const QString& size)
+void searching(BoundReport& report, CSableManagerDoc& doc, COrganizeFormView& editor, const QString& size)
 {
     int found = 0;
     const double plain = plainFilter(doc.chart(), QStringLiteral("김"), &found);
@@ -258,7 +259,7 @@ void searching(Report& report, CSableManagerDoc& doc, COrganizeFormView& editor,
         plain, kSearchBoundMs);
 }
 
-void refilterAfterEdits(Report& report, CSableManagerDoc& doc, COrganizeFormView& editor)
+void refilterAfterEdits(BoundReport& report, CSableManagerDoc& doc, COrganizeFormView& editor)
 {
     typeSearch(editor, QStringLiteral("부서 1"));
     int found = 0;
@@ -277,7 +278,7 @@ void refilterAfterEdits(Report& report, CSableManagerDoc& doc, COrganizeFormView
 
 // Edits of many users at once, with the editor open and beside the same edit on a document that
 // nothing watches.
-void manyUsers(Report& report, CSableManagerDoc& doc, COrganizeFormView& editor, CSableManagerDoc& bare)
+void manyUsers(BoundReport& report, CSableManagerDoc& doc, COrganizeFormView& editor, CSableManagerDoc& bare)
 {
     OrgNode* target = doc.chart().findGroup(42);
     OrgNode* bareTarget = bare.chart().findGroup(42);
@@ -320,7 +321,7 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QTextStream out(stdout);
-    Report report {out};
+    BoundReport report {out};
     const ChartSize size = scaledChartSize(app.arguments());
 
     CSableManagerDoc doc;

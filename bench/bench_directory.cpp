@@ -154,25 +154,6 @@ private:
     QString m_url;
 };
 
-class Report
-{
-public:
-    explicit Report(QTextStream& out)
-        : m_out(out)
-    { }
-    template <typename F>
-    double measure(const QString& what, F&& work)
-    {
-        const double seconds = timeIt(std::forward<F>(work));
-        m_out << what.leftJustified(52) << QStringLiteral("%1 ms\n").arg(seconds * 1000, 9, 'f', 1);
-        m_out.flush();
-        return seconds;
-    }
-
-private:
-    QTextStream& m_out;
-};
-
 // The reference: the paged search of the sync's attributes, every value read and dropped.
 int searchOnly(const DirectorySettings& settings)
 {
@@ -234,7 +215,7 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    Report report(out);
+    Report report(out, 52);
     const ChartSize size = scaledChartSize(app.arguments());
     CSableManagerDoc doc;
     doc.adopt(generateChart(size));

@@ -22,12 +22,7 @@ constexpr double kBoundSeconds = 5.0;
 QStringList departmentPaths(const OrgChart& chart)
 {
     QStringList paths;
-    chart.forEachGroup([&](OrgNode* group) {
-        QStringList names;
-        for (const OrgNode* up = group; up && up != chart.invisibleRoot(); up = up->parent())
-            names.prepend(up->name());
-        paths << names.join(u'/');
-    });
+    chart.forEachGroup([&](OrgNode* group) { paths << chart.departmentPath(group); });
     return paths;
 }
 
@@ -68,25 +63,6 @@ qsizetype plainParse(const QByteArray& bytes)
     return cells;
 }
 
-class Report
-{
-public:
-    explicit Report(QTextStream& out)
-        : m_out(out)
-    { }
-    template <typename F>
-    double measure(const QString& what, F&& work)
-    {
-        const double seconds = timeIt(std::forward<F>(work));
-        m_out << what.leftJustified(46) << QStringLiteral("%1 ms\n").arg(seconds * 1000, 9, 'f', 1);
-        m_out.flush();
-        return seconds;
-    }
-
-private:
-    QTextStream& m_out;
-};
-
 ImportTable readTable(const QByteArray& bytes)
 {
     QString error;
@@ -108,7 +84,7 @@ int main(int argc, char** argv)
     ChartSize size;
     for (int* value : {&size.members, &size.departments, &size.memberships})
         *value = std::max(1, static_cast<int>(*value * scale));
-    Report report(out);
+    Report report(out, 46);
 
     CSableManagerDoc doc;
     doc.adopt(generateChart(size));

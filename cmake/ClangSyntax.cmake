@@ -7,14 +7,10 @@
 set(SABLE_CLANG_SYNTAX_DIR ${CMAKE_BINARY_DIR}/clang-syntax)
 find_program(SABLE_CLANG_CXX NAMES clang++-14 clang++)
 
-# Writes the lists of the targets of src/core and tools, as this system builds them (with the
-# helpers of WindowsSyntax.cmake).
+include(${CMAKE_CURRENT_LIST_DIR}/SyntaxCheck.cmake)
+
+# Writes the lists of the targets of src/core and tools, as this system builds them.
 function(sable_write_clang_syntax_lists)
-    set(out ${SABLE_CLANG_SYNTAX_DIR})
-    file(GLOB old_lists ${out}/*.sources ${out}/*.args)
-    if(old_lists)
-        file(REMOVE ${old_lists})
-    endif()
     _sable_regex_escape(${PROJECT_SOURCE_DIR}/ source_prefix)
     _sable_regex_escape(${PROJECT_BINARY_DIR}/ binary_prefix)
     # The compiler's own folders (/usr/include, ...) stay out: named with -isystem they would come
@@ -26,49 +22,19 @@ function(sable_write_clang_syntax_lists)
     endforeach()
     list(JOIN implicit "|" implicit)
 
-    set(targets "")
-    foreach(dir IN ITEMS src/core tools)
-        _sable_program_targets(${PROJECT_SOURCE_DIR}/${dir} found)
-        list(APPEND targets ${found})
-    endforeach()
-    foreach(target IN LISTS targets)
-        get_target_property(type ${target} TYPE)
-        if(NOT type MATCHES "^(EXECUTABLE|STATIC_LIBRARY|SHARED_LIBRARY|OBJECT_LIBRARY)$")
-            continue()
-        endif()
-        get_target_property(base ${target} SOURCE_DIR)
-        get_target_property(sources ${target} SOURCES)
-        set(files "")
-        foreach(source IN LISTS sources)
-            if(source MATCHES "\\$<" OR NOT source MATCHES "\\.cpp$")
-                continue()
-            endif()
-            cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${base} NORMALIZE)
-            # Generated files (resources, moc) are Qt's text, not ours.
-            if(NOT source MATCHES "^${source_prefix}" OR source MATCHES "^${binary_prefix}")
-                continue()
-            endif()
-            list(APPEND files ${source})
-        endforeach()
-        if(NOT files)
-            continue()
-        endif()
-        list(REMOVE_DUPLICATES files)
-
-        # The project's folders (sources and generated headers) as -I, everything else as -isystem,
-        # so that only our own code has to be free of warnings.
-        set(defs "$<TARGET_PROPERTY:${target},COMPILE_DEFINITIONS>")
-        set(includes "$<REMOVE_DUPLICATES:$<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>>")
-        set(own "$<FILTER:${includes},INCLUDE,^(${source_prefix}|${binary_prefix})>")
-        set(other "$<FILTER:$<FILTER:${includes},EXCLUDE,^(${source_prefix}|${binary_prefix})>,EXCLUDE,^(${implicit})$>")
-        set(args -std=c++${CMAKE_CXX_STANDARD} -fsyntax-only -fPIC ${SABLE_WARNING_FLAGS} -Werror)
-        list(JOIN args "'\n'" args)
-        string(CONCAT content "'${args}'\n"
-                              "$<$<BOOL:${defs}>:'-D$<JOIN:${defs},'\n'-D>'\n>"
-                              "$<$<BOOL:${own}>:'-I$<JOIN:${own},'\n'-I>'\n>"
-                              "$<$<BOOL:${other}>:'-isystem'\n'$<JOIN:${other},'\n'-isystem'\n'>'\n>")
-        _sable_write_syntax_lists(${out} ${target} "${files}" "${content}")
-    endforeach()
+    # The project's folders (sources and generated headers) as -I, everything else as -isystem, so
+    # that only our own code has to be free of warnings.
+    set(defs "$<TARGET_PROPERTY:COMPILE_DEFINITIONS>")
+    set(includes "$<REMOVE_DUPLICATES:$<TARGET_PROPERTY:INCLUDE_DIRECTORIES>>")
+    set(own "$<FILTER:${includes},INCLUDE,^(${source_prefix}|${binary_prefix})>")
+    set(other "$<FILTER:$<FILTER:${includes},EXCLUDE,^(${source_prefix}|${binary_prefix})>,EXCLUDE,^(${implicit})$>")
+    set(args -std=c++${CMAKE_CXX_STANDARD} -fsyntax-only -fPIC ${SABLE_WARNING_FLAGS} -Werror)
+    list(JOIN args "'\n'" args)
+    string(CONCAT content "'${args}'\n"
+                          "$<$<BOOL:${defs}>:'-D$<JOIN:${defs},'\n'-D>'\n>"
+                          "$<$<BOOL:${own}>:'-I$<JOIN:${own},'\n'-I>'\n>"
+                          "$<$<BOOL:${other}>:'-isystem'\n'$<JOIN:${other},'\n'-isystem'\n'>'\n>")
+    sable_write_syntax_lists(${SABLE_CLANG_SYNTAX_DIR} FOLDERS src/core tools CONTENT "${content}")
 endfunction()
 
 set(SABLE_CLANG_SYNTAX_CHECK ${PROJECT_SOURCE_DIR}/tests/windows/syntax-check.sh)

@@ -55,10 +55,22 @@ private:
     Result run(const TempHome& home, const QStringList& args, const QByteArray& input = {});
     // A server folder with the demo organisation in its embedded database.
     bool makeDemoHome(const TempHome& home, const QString& folder);
+
+    // The server folder of the tests of saves, restore points and the journal.
+    struct DemoServer
+    {
+        TempHome home;
+        QString folder = home.path(QStringLiteral("home"));
+        QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    };
+    // Fills `server` with the demo organisation and, given `edit`, saves it once so edited.
+    bool makeDemoServer(const DemoServer& server, const std::function<void(QJsonObject&)>& edit = {});
     // Exports the chart, lets `edit` change the JSON and imports it with --yes: one save.
-    bool saveEdited(const TempHome& home, const QString& folder, const std::function<void(QJsonObject&)>& edit);
+    bool saveEdited(const DemoServer& server, const std::function<void(QJsonObject&)>& edit);
     // The restore points as `chart restore --list` names them, newest first.
-    QStringList restorePoints(const TempHome& home, const QString& folder);
+    QStringList restorePoints(const DemoServer& server);
+    // `chart restore POINT --yes`.
+    Result restore(const DemoServer& server, const QString& point);
 };
 
 namespace {
@@ -120,6 +132,11 @@ QStringList sortedDump(const QString& database)
     return dump;
 }
 
+void removeEskang(QJsonObject& chart)
+{
+    removeMember(chart, QStringLiteral("eskang"));
+}
+
 bool execute(const QString& database, const QStringList& statements)
 {
     sable::DbConnection db;
@@ -134,32 +151,44 @@ bool execute(const QString& database, const QStringList& statements)
 
 } // namespace
 
-bool TestSablectl::saveEdited(
-    const TempHome& home, const QString& folder, const std::function<void(QJsonObject&)>& edit)
+bool TestSablectl::makeDemoServer(const DemoServer& server, const std::function<void(QJsonObject&)>& edit)
 {
+    return makeDemoHome(server.home, server.folder) && (!edit || saveEdited(server, edit));
+}
+
+bool TestSablectl::saveEdited(const DemoServer& server, const std::function<void(QJsonObject&)>& edit)
+{
+    const TempHome& home = server.home;
     const Result exported
-        = run(home, {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("export")});
+        = run(home, {QStringLiteral("--home"), server.folder, QStringLiteral("chart"), QStringLiteral("export")});
     QJsonObject chart = QJsonDocument::fromJson(exported.out.toUtf8()).object();
     if (exported.code != 0 || chart.isEmpty())
         return false;
     edit(chart);
     home.writeFile(QStringLiteral("edited.json"), QJsonDocument(chart).toJson());
     const Result imported = run(home,
-        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("import"),
+        {QStringLiteral("--home"), server.folder, QStringLiteral("chart"), QStringLiteral("import"),
             home.path(QStringLiteral("edited.json")), QStringLiteral("--yes")});
     return imported.code == 0;
 }
 
-QStringList TestSablectl::restorePoints(const TempHome& home, const QString& folder)
+QStringList TestSablectl::restorePoints(const DemoServer& server)
 {
-    const Result listed = run(home,
-        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"),
+    const Result listed = run(server.home,
+        {QStringLiteral("--home"), server.folder, QStringLiteral("chart"), QStringLiteral("restore"),
             QStringLiteral("--list")});
     static const QRegularExpression file(QStringLiteral("\\S+\\.json\\.gz$"), QRegularExpression::MultilineOption);
     QStringList names;
     for (auto match = file.globalMatch(listed.out); match.hasNext();)
         names << match.next().captured();
     return names;
+}
+
+TestSablectl::Result TestSablectl::restore(const DemoServer& server, const QString& point)
+{
+    return run(server.home,
+        {QStringLiteral("--home"), server.folder, QStringLiteral("chart"), QStringLiteral("restore"), point,
+            QStringLiteral("--yes")});
 }
 
 TestSablectl::Result TestSablectl::run(const TempHome& home, const QStringList& args, const QByteArray& input)
@@ -606,10 +635,9 @@ void TestSablectl::chartRestoreRoundTrip()
 {
     QFETCH(QString, edit);
     QFETCH(QString, changeLine);
-    TempHome home;
-    const QString folder = home.path(QStringLiteral("home"));
-    QVERIFY(makeDemoHome(home, folder));
-    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const DemoServer server;
+    QVERIFY(makeDemoServer(server));
+    const QString& database = server.database;
     // eskang (6) keeps lists and a memo, and is on jhkim's (1) list; jhkim's list of sypark (2) is
     // nobody's who leaves.
     QVERIFY(execute(database,
@@ -619,7 +647,7 @@ void TestSablectl::chartRestoreRoundTrip()
             QStringLiteral("INSERT INTO SD_LeavedMemo VALUES (6,1,'회의 자료')")}));
     const QStringList before = tableDump(database);
 
-    QVERIFY(saveEdited(home, folder, [&edit](QJsonObject& chart) {
+    QVERIFY(saveEdited(server, [&edit](QJsonObject& chart) {
         if (edit.contains(QLatin1String("delete"))) {
             QCOMPARE(memberId(chart, QStringLiteral("eskang")), 6);
             removeMember(chart, QStringLiteral("eskang"));
@@ -638,21 +666,17 @@ void TestSablectl::chartRestoreRoundTrip()
     }));
     QVERIFY(tableDump(database) != before);
 
-    const QStringList points = restorePoints(home, folder);
+    const QStringList points = restorePoints(server);
     QVERIFY2(!points.isEmpty(), "no restore point listed");
-    const Result restored = run(home,
-        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"), points.first(),
-            QStringLiteral("--yes")});
+    const Result restored = restore(server, points.first());
     QVERIFY2(restored.code == 0, qPrintable(restored.err));
     QVERIFY2(restored.out.contains(changeLine), qPrintable(restored.out));
     QCOMPARE(restored.out.contains(QLatin1String("per-user rows put back: 4")), edit.contains(QLatin1String("delete")));
     QCOMPARE(tableDump(database), before);
     // The restore is a save like any other: it leaves a point of its own, and the journal has it.
-    QCOMPARE(restorePoints(home, folder).size(), points.size() + 1);
+    QCOMPARE(restorePoints(server).size(), points.size() + 1);
 
-    const Result again = run(home,
-        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"), points.first(),
-            QStringLiteral("--yes")});
+    const Result again = restore(server, points.first());
     QCOMPARE(again.code, 0);
     QVERIFY(again.out.contains(QLatin1String("nothing to restore")));
 }
@@ -677,11 +701,10 @@ void TestSablectl::chartRestoreRefusals()
 {
     QFETCH(QString, damage);
     QFETCH(QString, reason);
-    TempHome home;
-    const QString folder = home.path(QStringLiteral("home"));
-    QVERIFY(makeDemoHome(home, folder));
-    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) { removeMember(chart, QStringLiteral("eskang")); }));
-    const QStringList points = restorePoints(home, folder);
+    const DemoServer server;
+    QVERIFY(makeDemoServer(server, removeEskang));
+    const TempHome& home = server.home;
+    const QStringList points = restorePoints(server);
     QCOMPARE(points.size(), 1);
     const QByteArray good = home.readFile(QStringLiteral("home/backups/") + points.first());
     const QByteArray json = *sable::Gzip::decompress(good, 1 << 30);
@@ -700,17 +723,14 @@ void TestSablectl::chartRestoreRefusals()
     if (damage == QLatin1String("table"))
         QVERIFY(*sable::Gzip::decompress(bad, 1 << 30) != json);
 
-    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
-    const QStringList before = tableDump(database);
-    const Result result = run(home,
-        {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"),
-            home.path(QStringLiteral("bad.json.gz")), QStringLiteral("--yes")});
+    const QStringList before = tableDump(server.database);
+    const Result result = restore(server, home.path(QStringLiteral("bad.json.gz")));
     QCOMPARE(result.code, 1);
     QVERIFY2(result.err.contains(QStringLiteral("bad.json.gz: ")) && result.err.contains(reason)
             && result.err.contains(QLatin1String("nothing was written")),
         qPrintable(result.err));
-    QCOMPARE(tableDump(database), before);
-    QCOMPARE(restorePoints(home, folder), points);
+    QCOMPARE(tableDump(server.database), before);
+    QCOMPARE(restorePoints(server), points);
 }
 
 void TestSablectl::chartRestoreGathersLaterRows_data()
@@ -728,10 +748,9 @@ void TestSablectl::chartRestoreGathersLaterRows()
 {
     QFETCH(QStringList, steps);
     QFETCH(bool, bRestored);
-    TempHome home;
-    const QString folder = home.path(QStringLiteral("home"));
-    QVERIFY(makeDemoHome(home, folder));
-    const QString database = sable::sqliteConnectionString(folder + QStringLiteral("/SableDB.db"));
+    const DemoServer server;
+    QVERIFY(makeDemoServer(server));
+    const QString& database = server.database;
     // jwjung (5) and eskang (6) keep lists and memos, naming each other and jhkim (1); jwjung's memo
     // from eskang outlives eskang until jwjung goes too.
     QVERIFY(execute(database,
@@ -744,26 +763,22 @@ void TestSablectl::chartRestoreGathersLaterRows()
             QStringLiteral("INSERT INTO SD_LeavedMemo VALUES (5,6,'인수인계')")}));
     const QStringList original = sortedDump(database);
     // A save that changes nothing of the users, so that the oldest point holds them all and no rows.
-    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) {
+    QVERIFY(saveEdited(server, [](QJsonObject& chart) {
         setField(chart, QStringLiteral("groups"), QStringLiteral("K_GroupID"), 4, QStringLiteral("GroupName"),
             QStringLiteral("재무회계팀"));
     }));
-    const QString oldest = restorePoints(home, folder).value(0);
-    const auto restoreOldest = [&] {
-        return run(home,
-            {QStringLiteral("--home"), folder, QStringLiteral("chart"), QStringLiteral("restore"), oldest,
-                QStringLiteral("--yes")});
-    };
+    const QString oldest = restorePoints(server).value(0);
+    const auto restoreOldest = [&] { return restore(server, oldest); };
     QString damaged;
     for (const QString& step : steps) {
         const QString login = step.section(u' ', 1);
         if (step.startsWith(QLatin1String("remove")))
-            QVERIFY(saveEdited(home, folder, [&login](QJsonObject& chart) { removeMember(chart, login); }));
+            QVERIFY(saveEdited(server, [&login](QJsonObject& chart) { removeMember(chart, login); }));
         else if (step == QLatin1String("restore oldest"))
             QCOMPARE(restoreOldest().code, 0);
         else if (step == QLatin1String("damage newest")) {
-            damaged = restorePoints(home, folder).value(0);
-            home.writeFile(QStringLiteral("home/backups/") + damaged, "not a restore point");
+            damaged = restorePoints(server).value(0);
+            server.home.writeFile(QStringLiteral("home/backups/") + damaged, "not a restore point");
         }
     }
     QVERIFY(sortedDump(database) != original);
@@ -799,18 +814,17 @@ void TestSablectl::logAfterTwoSaves()
 {
     QFETCH(QStringList, args);
     QFETCH(int, saves);
-    TempHome home;
-    const QString folder = home.path(QStringLiteral("home"));
-    QVERIFY(makeDemoHome(home, folder));
-    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) { removeMember(chart, QStringLiteral("eskang")); }));
-    QVERIFY(saveEdited(home, folder, [](QJsonObject& chart) {
+    const DemoServer server;
+    QVERIFY(makeDemoServer(server, removeEskang));
+    QVERIFY(saveEdited(server, [](QJsonObject& chart) {
         setField(chart, QStringLiteral("members"), QStringLiteral("K_MemberID"), 1, QStringLiteral("Passwd"),
             QStringLiteral("s3cret-new"));
         setField(chart, QStringLiteral("groups"), QStringLiteral("K_GroupID"), 4, QStringLiteral("GroupName"),
             QStringLiteral("재무회계팀"));
     }));
 
-    const Result log = run(home, QStringList {QStringLiteral("--home"), folder, QStringLiteral("log")} + args);
+    const Result log
+        = run(server.home, QStringList {QStringLiteral("--home"), server.folder, QStringLiteral("log")} + args);
     QVERIFY2(log.code == 0, qPrintable(log.err));
     // Passwords are never shown, only that they changed.
     QVERIFY(!log.out.contains(QLatin1String("s3cret-new")));

@@ -80,8 +80,35 @@ public:
 // The platform's LDAP client: OpenLDAP's libldap, or Wldap32 on Windows.
 std::unique_ptr<DirectoryBackend> createDirectoryBackend();
 
-// Which requested attribute a returned attribute description is ("mail;binary" is "mail"); -1 for
-// none. `wanted` holds the requested names in lower case.
-int requestedAttributeIndex(const std::vector<std::string>& wanted, std::string_view returned);
+// Makes the entries of a search out of what the library returns, one at a time, and hands each to
+// the search's visitor: the backends keep only their library's calls.
+class DirectoryEntryCollector
+{
+public:
+    // `attributes` as the search asked for them; `visit` must outlive the collector.
+    DirectoryEntryCollector(
+        const std::vector<std::string>& attributes, const std::function<bool(DirectoryRawEntry&)>& visit);
+
+    // Starts the next entry, without values: the visitor may have taken the last one's.
+    void begin(std::string dn);
+    // Which requested attribute a returned attribute description is ("mail;binary" is "mail"); -1
+    // for none.
+    int indexOf(std::string_view returned) const;
+    // Adds the values of the attribute at `index` from the library's null-terminated array (both
+    // libraries' berval holds bv_val and bv_len).
+    template <typename Value>
+    void add(int index, Value** values)
+    {
+        for (; *values; ++values)
+            m_entry.values[static_cast<size_t>(index)].emplace_back((*values)->bv_val, (*values)->bv_len);
+    }
+    // Hands the entry to the visitor; false when it ends the search.
+    bool finish() { return m_visit(m_entry); }
+
+private:
+    std::vector<std::string> m_wanted; // the requested names in lower case
+    const std::function<bool(DirectoryRawEntry&)>& m_visit;
+    DirectoryRawEntry m_entry;
+};
 
 } // namespace sable

@@ -3,7 +3,6 @@
 #include "directory/DirectoryBackend.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <ldap.h>
 
@@ -92,8 +91,7 @@ private:
     bool fail(int code, const char* serverText, DirectoryFailure* failure) const;
     bool setOptions(const DirectoryEndpoint& endpoint);
     // The entries of one page, handed to `visit`; false when it stopped.
-    bool visitEntries(LDAPMessage* result, const std::vector<std::string>& wanted,
-        const std::function<bool(DirectoryRawEntry&)>& visit);
+    bool visitEntries(LDAPMessage* result, DirectoryEntryCollector& entries);
     // The paged-results cookie of a page's result; empty when the search is complete.
     static std::string nextCookie(LDAP* ld, LDAPControl** controls);
 
@@ -180,29 +178,23 @@ bool OpenLdapBackend::open(const DirectoryEndpoint& endpoint, DirectoryFailure* 
     return true;
 }
 
-bool OpenLdapBackend::visitEntries(
-    LDAPMessage* result, const std::vector<std::string>& wanted, const std::function<bool(DirectoryRawEntry&)>& visit)
+bool OpenLdapBackend::visitEntries(LDAPMessage* result, DirectoryEntryCollector& entries)
 {
-    DirectoryRawEntry entry;
     for (LDAPMessage* at = ldap_first_entry(m_ld, result); at; at = ldap_next_entry(m_ld, at)) {
         char* dn = ldap_get_dn(m_ld, at);
-        entry.dn = dn ? dn : "";
+        entries.begin(dn ? dn : "");
         ldap_memfree(dn);
-        entry.values.resize(wanted.size());
-        for (std::vector<std::string>& values : entry.values)
-            values.clear();
         BerElement* ber = nullptr;
         for (char* name = ldap_first_attribute(m_ld, at, &ber); name; name = ldap_next_attribute(m_ld, at, ber)) {
-            const int index = requestedAttributeIndex(wanted, name);
+            const int index = entries.indexOf(name);
             if (berval** values = index >= 0 ? ldap_get_values_len(m_ld, at, name) : nullptr) {
-                for (berval** value = values; *value; ++value)
-                    entry.values[static_cast<size_t>(index)].emplace_back((*value)->bv_val, (*value)->bv_len);
+                entries.add(index, values);
                 ldap_value_free_len(values);
             }
             ldap_memfree(name);
         }
         ber_free(ber, 0);
-        if (!visit(entry))
+        if (!entries.finish())
             return false;
     }
     return true;
@@ -273,15 +265,10 @@ bool OpenLdapBackend::search(const std::string& base, DirectoryScope scope, cons
     const std::vector<std::string>& attributes, int pageSize, const std::function<bool(DirectoryRawEntry&)>& visit,
     DirectoryFailure* failure)
 {
-    std::vector<std::string> wanted;
+    DirectoryEntryCollector entries(attributes, visit);
     std::vector<char*> names;
-    for (const std::string& name : attributes) {
-        std::string lower = name;
-        std::transform(
-            lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return char(std::tolower(c)); });
-        wanted.push_back(std::move(lower));
+    for (const std::string& name : attributes)
         names.push_back(const_cast<char*>(name.c_str()));
-    }
     names.push_back(nullptr);
     const Request request {base.c_str(), scope == DirectoryScope::Base ? LDAP_SCOPE_BASE : LDAP_SCOPE_SUBTREE,
         filter.c_str(), names.data(), pageSize};
@@ -293,7 +280,7 @@ bool OpenLdapBackend::search(const std::string& base, DirectoryScope scope, cons
             return false;
         // The server prepares the next page while this one is handed over.
         id = pageSize > 0 && !cookie.empty() ? requestPage(request, cookie, failure) : kNoMorePages;
-        const bool going = id != kFailed && visitEntries(result, wanted, visit);
+        const bool going = id != kFailed && visitEntries(result, entries);
         ldap_msgfree(result);
         if (id == kFailed)
             return false;

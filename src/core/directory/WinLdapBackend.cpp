@@ -11,7 +11,6 @@
 // clang-format on
 
 #include <algorithm>
-#include <cctype>
 
 namespace sable {
 namespace {
@@ -85,8 +84,7 @@ public:
 
 private:
     bool fail(ULONG code, DirectoryFailure* failure) const;
-    bool visitEntries(LDAPMessage* result, const std::vector<std::string>& wanted,
-        const std::function<bool(DirectoryRawEntry&)>& visit);
+    bool visitEntries(LDAPMessage* result, DirectoryEntryCollector& entries);
 
     LDAP* m_ld = nullptr;
     LDAP_TIMEVAL m_timeout {30, 0};
@@ -145,30 +143,24 @@ bool WinLdapBackend::open(const DirectoryEndpoint& endpoint, DirectoryFailure* f
     return rc == LDAP_SUCCESS || fail(rc, failure);
 }
 
-bool WinLdapBackend::visitEntries(
-    LDAPMessage* result, const std::vector<std::string>& wanted, const std::function<bool(DirectoryRawEntry&)>& visit)
+bool WinLdapBackend::visitEntries(LDAPMessage* result, DirectoryEntryCollector& entries)
 {
-    DirectoryRawEntry entry;
     for (LDAPMessage* at = ldap_first_entry(m_ld, result); at; at = ldap_next_entry(m_ld, at)) {
         const PWCHAR dn = ldap_get_dnW(m_ld, at);
-        entry.dn = dn ? narrow(dn) : std::string();
+        entries.begin(dn ? narrow(dn) : std::string());
         ldap_memfreeW(dn);
-        entry.values.resize(wanted.size());
-        for (std::vector<std::string>& values : entry.values)
-            values.clear();
         BerElement* ber = nullptr;
         for (PWCHAR name = ldap_first_attributeW(m_ld, at, &ber); name; name = ldap_next_attributeW(m_ld, at, ber)) {
-            const int index = requestedAttributeIndex(wanted, narrow(name));
+            const int index = entries.indexOf(narrow(name));
             if (berval** values = index >= 0 ? ldap_get_values_lenW(m_ld, at, name) : nullptr) {
-                for (berval** value = values; *value; ++value)
-                    entry.values[static_cast<size_t>(index)].emplace_back((*value)->bv_val, (*value)->bv_len);
+                entries.add(index, values);
                 ldap_value_free_len(values);
             }
             ldap_memfreeW(name);
         }
         if (ber)
             ber_free(ber, 0);
-        if (!visit(entry))
+        if (!entries.finish())
             return false;
     }
     return true;
@@ -178,15 +170,10 @@ bool WinLdapBackend::search(const std::string& base, DirectoryScope scope, const
     const std::vector<std::string>& attributes, int pageSize, const std::function<bool(DirectoryRawEntry&)>& visit,
     DirectoryFailure* failure)
 {
-    std::vector<std::string> wanted;
+    DirectoryEntryCollector entries(attributes, visit);
     std::vector<std::wstring> wideNames;
-    for (const std::string& name : attributes) {
-        std::string lower = name;
-        std::transform(
-            lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return char(std::tolower(c)); });
-        wanted.push_back(std::move(lower));
+    for (const std::string& name : attributes)
         wideNames.push_back(widen(name));
-    }
     std::vector<PWCHAR> names;
     for (std::wstring& name : wideNames)
         names.push_back(name.data());
@@ -198,7 +185,7 @@ bool WinLdapBackend::search(const std::string& base, DirectoryScope scope, const
         LDAPMessage* result = nullptr;
         const ULONG rc = ldap_search_ext_sW(m_ld, wideBase.get(), ldapScope, wideFilter.get(), names.data(), 0, nullptr,
             nullptr, &m_timeout, 0, &result);
-        const bool going = rc == LDAP_SUCCESS && visitEntries(result, wanted, visit);
+        const bool going = rc == LDAP_SUCCESS && visitEntries(result, entries);
         if (result)
             ldap_msgfree(result);
         if (rc != LDAP_SUCCESS)
@@ -221,7 +208,7 @@ bool WinLdapBackend::search(const std::string& base, DirectoryScope scope, const
                 ldap_msgfree(result);
             break;
         }
-        const bool going = rc == LDAP_SUCCESS && visitEntries(result, wanted, visit);
+        const bool going = rc == LDAP_SUCCESS && visitEntries(result, entries);
         if (result)
             ldap_msgfree(result);
         if (rc != LDAP_SUCCESS) {

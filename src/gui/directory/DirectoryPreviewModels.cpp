@@ -3,45 +3,10 @@
 #include "Messages.h"
 #include "directory/DirectorySyncPreview.h"
 #include "orgchart/OrgChart.h"
-
-#include <QColor>
+#include "userimport/ImportPreviewTexts.h"
 
 namespace sable {
-namespace {
-
-using Fate = ImportRow::Fate;
-
-QString fateText(Fate fate)
-{
-    switch (fate) {
-    case Fate::New:
-        return Msg::kImportFateNew;
-    case Fate::Update:
-        return Msg::kImportFateUpdate;
-    case Fate::Unchanged:
-        return Msg::kImportFateUnchanged;
-    case Fate::Refused:
-        break;
-    }
-    return Msg::kImportFateRefused;
-}
-
-QVariant fateColour(Fate fate)
-{
-    switch (fate) {
-    case Fate::New:
-        return QColor(0x1B, 0x7F, 0x37);
-    case Fate::Update:
-        return QColor(0x1F, 0x4E, 0xB4);
-    case Fate::Refused:
-        return QColor(0xC0, 0x1C, 0x1C);
-    case Fate::Unchanged:
-        break;
-    }
-    return {};
-}
-
-} // namespace
+using namespace ImportPreviewTexts;
 
 // --- Entries ---------------------------------------------------------------------------------------------
 
@@ -96,12 +61,8 @@ QVariant DirectoryEntriesModel::data(const QModelIndex& index, int role) const
         return row.member.MemberName;
     case DepartmentColumn:
         return departments(index.row());
-    case ReasonColumn: {
-        QStringList reasons;
-        for (const ImportRefusal& refusal : row.refusals)
-            reasons << refusal.describe();
-        return reasons.join(role == Qt::ToolTipRole ? QStringLiteral("\n") : QStringLiteral(" / "));
-    }
+    case ReasonColumn:
+        return reasons(row).join(role == Qt::ToolTipRole ? QStringLiteral("\n") : QStringLiteral(" / "));
     case DnColumn:
         return row.origin;
     default:

@@ -6,6 +6,7 @@
 #include "directory/DirectorySyncPreview.h"
 #include "document/CSableManagerDoc.h"
 #include "document/DirectorySyncEdits.h"
+#include "userimport/ImportPreviewTexts.h"
 #include "widgets/Heading.h"
 
 #include <QCheckBox>
@@ -23,17 +24,7 @@
 #include <atomic>
 
 namespace sable {
-namespace {
-
-// A list of names for a label: a handful, and how many more there are.
-QString shortList(const QStringList& names)
-{
-    constexpr qsizetype kShown = 5;
-    const QString shown = names.first(std::min(kShown, names.size())).join(QStringLiteral(", "));
-    return names.size() > kShown ? Msg::kImportAndMore.arg(shown).arg(names.size() - kShown) : shown;
-}
-
-} // namespace
+using ImportPreviewTexts::shortList;
 
 // What the worker shares with the window: the stop flag, how far it is, and what it made.
 struct DirectoryPreviewPage::Job

@@ -1,11 +1,11 @@
 #include "userimport/ImportPreviewPage.h"
 
 #include "Messages.h"
+#include "userimport/ImportPreviewTexts.h"
 #include "userimport/ImportWizard.h"
 
 #include <QAbstractTableModel>
 #include <QCheckBox>
-#include <QColor>
 #include <QHeaderView>
 #include <QLabel>
 #include <QSortFilterProxyModel>
@@ -13,6 +13,8 @@
 #include <QVBoxLayout>
 
 namespace sable {
+
+using namespace ImportPreviewTexts;
 
 // The preview's rows as a table; it reads the preview and the file the wizard holds.
 class ImportPreviewModel final : public QAbstractTableModel
@@ -95,50 +97,12 @@ public:
         }
     }
 
-    static QString fateText(ImportRow::Fate fate)
-    {
-        switch (fate) {
-        case ImportRow::Fate::New:
-            return Msg::kImportFateNew;
-        case ImportRow::Fate::Update:
-            return Msg::kImportFateUpdate;
-        case ImportRow::Fate::Unchanged:
-            return Msg::kImportFateUnchanged;
-        case ImportRow::Fate::Refused:
-            return Msg::kImportFateRefused;
-        }
-        return {};
-    }
-
 private:
     void show(const ImportPreview* preview)
     {
         beginResetModel();
         m_preview = preview;
         endResetModel();
-    }
-
-    static QVariant fateColour(ImportRow::Fate fate)
-    {
-        switch (fate) {
-        case ImportRow::Fate::New:
-            return QColor(0x1B, 0x7F, 0x37);
-        case ImportRow::Fate::Update:
-            return QColor(0x1F, 0x4E, 0xB4);
-        case ImportRow::Fate::Refused:
-            return QColor(0xC0, 0x1C, 0x1C);
-        case ImportRow::Fate::Unchanged:
-            break;
-        }
-        return {};
-    }
-
-    static QStringList reasons(const ImportRow& row)
-    {
-        QStringList out;
-        for (const ImportRefusal& refusal : row.refusals)
-            out << refusal.describe();
-        return out;
     }
 
     // The department cell as the file gives it.
@@ -153,18 +117,6 @@ private:
     ImportWizard& m_wizard;
     const ImportPreview* m_preview = nullptr;
 };
-
-namespace {
-
-// A list of names for a label: a handful, and how many more there are.
-QString shortList(const QStringList& names)
-{
-    constexpr qsizetype kShown = 5;
-    const QString shown = names.first(std::min(kShown, names.size())).join(QStringLiteral(", "));
-    return names.size() > kShown ? Msg::kImportAndMore.arg(shown).arg(names.size() - kShown) : shown;
-}
-
-} // namespace
 
 ImportPreviewPage::ImportPreviewPage(ImportWizard& wizard)
     : m_wizard(wizard)
@@ -200,9 +152,8 @@ ImportPreviewPage::ImportPreviewPage(ImportWizard& wizard)
     layout->addWidget(m_refusedOnly);
     layout->addWidget(m_view, 1);
 
-    connect(m_refusedOnly, &QCheckBox::toggled, this, [this](bool bOnly) {
-        m_filter->setFilterFixedString(bOnly ? ImportPreviewModel::fateText(ImportRow::Fate::Refused) : QString());
-    });
+    connect(m_refusedOnly, &QCheckBox::toggled, this,
+        [this](bool bOnly) { m_filter->setFilterFixedString(bOnly ? fateText(ImportRow::Fate::Refused) : QString()); });
 }
 
 ImportPreviewPage::~ImportPreviewPage() = default;
