@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 build=build-bench
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DSABLE_BUILD_TESTS=OFF >/dev/null
-cmake --build "$build" --target bench_chart bench_chart_file bench_merge bench_edits bench_console bench_import bench_directory
+cmake --build "$build" --target bench_chart bench_chart_file bench_cascade bench_merge bench_edits bench_console bench_import bench_directory
 # Every benchmark runs and prints its figures, also after one went over its bound (on a loaded
 # machine an early one may, and the later figures are wanted all the same); the run fails at the end.
 failed=()
@@ -20,6 +20,7 @@ run() {
     fi
 }
 run bench_merge
+run bench_cascade
 run bench_edits
 run bench_console
 run bench_import

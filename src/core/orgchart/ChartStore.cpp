@@ -2,8 +2,10 @@
 
 #include "db/BatchInserter.h"
 #include "db/DbConnection.h"
+#include "db/DbSchema.h"
 #include "orgchart/ChartRows.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace sable::ChartStore {
@@ -11,9 +13,13 @@ namespace {
 
 using Text = BatchInserter;
 
-// Identifiers per statement of the deletion cascade: twice this many parameters stay within what
-// every engine takes in one statement.
+// Identifiers per statement of the deletion cascade where they go as parameters: twice this many
+// parameters stay within what every engine takes in one statement.
 constexpr qsizetype kCascadeBatch = 500;
+
+// The embedded engine's page cache while the cascade runs, in KiB: the member indexes of a per-user
+// table of a million rows.
+constexpr int kCascadeCacheKiB = 32 * 1024;
 
 QString placeholders(qsizetype count)
 {
@@ -87,8 +93,33 @@ const std::vector<UserTable>& userTables()
     return tables;
 }
 
+// The condition that picks the rows of `table` naming one of the identifiers `in` lists. On the
+// embedded engine the rows are found through the member indexes first and then visited in the order
+// they are stored, so that each page of the table is read (and written) once however scattered the
+// rows of one user are; a row that names removed users in both columns is found once either way.
+QString namingCondition(const UserTable& table, const QString& in, bool bRowOrder)
+{
+    if (!bRowOrder) {
+        const QString naming = u"K_MemberID IN " % in;
+        return table.bOtherMember ? naming % u" OR K_MemberID_O IN " % in : naming;
+    }
+    const QString name = QLatin1String(table.name);
+    QString rows = u"SELECT rowid FROM " % name % u" WHERE K_MemberID IN " % in;
+    if (table.bOtherMember)
+        rows += u" UNION SELECT rowid FROM " % name % u" WHERE K_MemberID_O IN " % in;
+    return u"rowid IN (" % rows % u')';
+}
+
+// The values of namingCondition()'s placeholders for the identifiers `ids`.
+QVariantList namingValues(const UserTable& table, const QVariantList& ids)
+{
+    return table.bOtherMember ? ids + ids : ids;
+}
+
+using IdStatements = std::function<bool(const QString& in, const QVariantList& values)>;
+
 // Runs `run` once per batch of `ids`, with the batch's placeholder list and values.
-bool forEachBatch(const QList<int>& ids, const std::function<bool(const QString&, const QVariantList&)>& run)
+bool forEachBatch(const QList<int>& ids, const IdStatements& run)
 {
     for (qsizetype first = 0; first < ids.size(); first += kCascadeBatch) {
         const QList<int> batch = ids.mid(first, kCascadeBatch);
@@ -100,6 +131,74 @@ bool forEachBatch(const QList<int>& ids, const std::function<bool(const QString&
     }
     return true;
 }
+
+bool isEmbedded(const DbConnection& connection)
+{
+    return DbSchema::dialectOf(connection) == DbSchema::Dialect::Sqlite;
+}
+
+// Runs `run` with a list `ids` are in. On the embedded engine once, with a query of a temporary
+// table that holds them: one statement per table for thousands of users, where batches of a few
+// hundred made dozens, and a list the engine searches as a table of its own. Elsewhere once per
+// batch, as forEachBatch(). The table is gone once `run` went through; when it failed, the rollback
+// of the save's transaction takes it away.
+bool forIds(DbConnection& connection, const QList<int>& ids, const IdStatements& run)
+{
+    if (ids.isEmpty())
+        return true;
+    if (!isEmbedded(connection))
+        return forEachBatch(ids, run);
+    const QString table = QStringLiteral("temp.SableCascadeIds");
+    std::vector<int> unique(ids.begin(), ids.end());
+    std::sort(unique.begin(), unique.end());
+    unique.erase(std::unique(unique.begin(), unique.end()), unique.end());
+    if (!connection.executeNoRecords(u"CREATE TEMPORARY TABLE IF NOT EXISTS " % table % u" (id INTEGER PRIMARY KEY)")
+        || !connection.executeNoRecords(u"DELETE FROM " % table))
+        return false;
+    {
+        BatchInserter insert(connection, table, {QStringLiteral("id")});
+        for (const int id : unique) {
+            if (!insert.add({id}))
+                return false;
+        }
+        if (!insert.flush())
+            return false;
+    }
+    return run(u"(SELECT id FROM " % table % u')', {}) && connection.executeNoRecords(u"DROP TABLE " % table);
+}
+
+// The cascade changes pages all over the per-user tables and their indexes (the rows naming a
+// removed user lie anywhere, as the server added them): in the embedded engine's default cache of
+// 2 MB, already full of the chart just written, index pages would be read, spilled into the log and
+// read again for every few rows. A larger cache while the cascade runs, given back after; the engine
+// takes the memory only as pages come in.
+class CascadeCache
+{
+public:
+    explicit CascadeCache(DbConnection& connection)
+        : m_connection(connection)
+    {
+        if (!isEmbedded(connection))
+            return;
+        DbRecordset current = connection.execute(QStringLiteral("PRAGMA cache_size"));
+        if (!current.isValid() || current.isEof())
+            return;
+        m_previous = current.fieldInt(0);
+        current.close();
+        connection.executeNoRecords(QStringLiteral("PRAGMA cache_size = -%1").arg(kCascadeCacheKiB));
+    }
+    ~CascadeCache()
+    {
+        if (m_previous)
+            m_connection.executeNoRecords(QStringLiteral("PRAGMA cache_size = %1").arg(*m_previous));
+    }
+    CascadeCache(const CascadeCache&) = delete;
+    CascadeCache& operator=(const CascadeCache&) = delete;
+
+private:
+    DbConnection& m_connection;
+    std::optional<int> m_previous;
+};
 
 std::optional<std::vector<int>> storedIds(DbConnection& connection, const QString& sql)
 {
@@ -187,19 +286,22 @@ bool write(DbConnection& connection, const std::vector<GroupRow>& groups, const 
 
 std::optional<UserData> readUserData(DbConnection& connection, const QList<int>& memberIds)
 {
+    const bool bRowOrder = isEmbedded(connection);
     UserData data;
-    for (const UserTable& table : userTables()) {
-        UserDataRows rows {QLatin1String(table.name), table.columns, {}};
-        const QString select
-            = u"SELECT " % table.columns.join(u',') % u" FROM " % rows.table % u" WHERE K_MemberID IN ";
-        const bool ok = forEachBatch(memberIds, [&](const QString& in, const QVariantList& ids) {
-            DbRecordset records = table.bOtherMember
-                ? connection.execute(select % in % u" OR K_MemberID_O IN " % in, ids + ids)
-                : connection.execute(select % in, ids);
+    for (const UserTable& table : userTables())
+        data.push_back({QLatin1String(table.name), table.columns, {}});
+    const bool ok = forIds(connection, memberIds, [&](const QString& in, const QVariantList& ids) {
+        for (size_t t = 0; t < userTables().size(); ++t) {
+            const UserTable& table = userTables()[t];
+            std::vector<QVariantList>& rows = data[t].rows;
+            DbRecordset records = connection.execute(u"SELECT " % table.columns.join(u',') % u" FROM " % data[t].table
+                    % u" WHERE " % namingCondition(table, in, bRowOrder),
+                namingValues(table, ids));
             if (!records.isValid())
                 return false;
             for (; !records.isEof(); records.moveNext()) {
                 QVariantList row;
+                row.reserve(table.columns.size());
                 for (int i = 0; i < table.columns.size(); ++i) {
                     if (records.isNull(i))
                         row << QVariant(); // NULL stays NULL when the row is put back
@@ -208,15 +310,18 @@ std::optional<UserData> readUserData(DbConnection& connection, const QList<int>&
                     else
                         row << records.fieldText(i);
                 }
-                rows.rows.push_back(std::move(row));
+                rows.push_back(std::move(row));
             }
-            return true;
-        });
-        if (!ok)
-            return std::nullopt;
-        if (!rows.rows.empty())
-            data.push_back(std::move(rows));
-    }
+            if (records.hasFailed()) {
+                connection.recordError(records.error());
+                return false;
+            }
+        }
+        return true;
+    });
+    if (!ok)
+        return std::nullopt;
+    std::erase_if(data, [](const UserDataRows& rows) { return rows.rows.empty(); });
     return data;
 }
 
@@ -236,17 +341,17 @@ bool insertUserData(DbConnection& connection, const UserData& data)
 
 bool runDeletionCascade(DbConnection& connection, const QList<int>& deletedMembers, const QList<int>& deletedGroups)
 {
-    // A few statements for any number of identifiers: each statement takes a batch of them, and the
-    // member columns are indexed, so removing thousands of users costs about as much as a few.
-    const bool members = forEachBatch(deletedMembers, [&connection](const QString& in, const QVariantList& ids) {
-        return connection.executeNoRecords(
-                   u"DELETE FROM SD_Antenna WHERE K_MemberID IN " % in % u" OR K_MemberID_O IN " % in, ids + ids)
-            && connection.executeNoRecords(
-                u"DELETE FROM SD_MyMember WHERE K_MemberID IN " % in % u" OR K_MemberID_O IN " % in, ids + ids)
-            && connection.executeNoRecords(u"DELETE FROM SD_MyGroup WHERE K_MemberID IN " % in, ids)
-            && connection.executeNoRecords(u"DELETE FROM SD_LeavedMemo WHERE K_MemberID IN " % in, ids);
+    // The member columns are indexed: each statement finds its rows through them.
+    const CascadeCache cache(connection);
+    const bool bRowOrder = isEmbedded(connection);
+    const bool members = forIds(connection, deletedMembers, [&](const QString& in, const QVariantList& ids) {
+        return std::all_of(userTables().begin(), userTables().end(), [&](const UserTable& table) {
+            return connection.executeNoRecords(
+                u"DELETE FROM " % QLatin1String(table.name) % u" WHERE " % namingCondition(table, in, bRowOrder),
+                namingValues(table, ids));
+        });
     });
-    return members && forEachBatch(deletedGroups, [&connection](const QString& in, const QVariantList& ids) {
+    return members && forIds(connection, deletedGroups, [&connection](const QString& in, const QVariantList& ids) {
         return connection.executeNoRecords(u"DELETE FROM SD_Relation WHERE K_GroupID IN " % in, ids);
     });
 }
