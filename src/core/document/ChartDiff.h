@@ -16,7 +16,7 @@ struct MemberRecord;
 // What people call the rows of the chart's tables: departments and ranks by name, users by name and
 // login ID, folders by path, memberships and permissions by what they join. The names are gathered
 // when the first is asked for (a save that changes few rows of a large chart names only those), so
-// the tables must outlive the names.
+// the tables must outlive the names and keep their rows where they are.
 class ChartNames
 {
 public:
