@@ -162,6 +162,7 @@ private Q_SLOTS:
     void journalRowsCarryKeys();
     void journalWithoutKeysGainsThem_data();
     void journalWithoutKeysGainsThem();
+    void authorWithoutEnvironment();
 
 private:
     ChartSave::Collaborators saveWith(const QString& connectionString, QStringList* calls = nullptr);
@@ -1018,6 +1019,22 @@ void TestChartStorage::journalRowsCarryKeys()
     const QStringList rows = newestJournalRows(db);
     for (const QString& row : expected)
         QVERIFY2(rows.contains(row), qPrintable(row + QStringLiteral(" not in:\n") + rows.join(u'\n')));
+}
+
+void TestChartStorage::authorWithoutEnvironment()
+{
+    // A save from a service or a scheduled job, where neither variable is set, still names its account.
+    const QByteArray user = qgetenv("USER");
+    const QByteArray userName = qgetenv("USERNAME");
+    qunsetenv("USER");
+    qunsetenv("USERNAME");
+    const SaveAuthor author = SaveAuthor::current(QStringLiteral("sablectl"));
+    if (!user.isNull())
+        qputenv("USER", user);
+    if (!userName.isNull())
+        qputenv("USERNAME", userName);
+    QVERIFY(!author.user.isEmpty());
+    QCOMPARE(author.program, QStringLiteral("sablectl"));
 }
 
 void TestChartStorage::journalWithoutKeysGainsThem_data()

@@ -7,6 +7,11 @@
 
 #include <QSysInfo>
 
+#ifdef Q_OS_UNIX
+#include <pwd.h>
+#include <unistd.h>
+#endif
+
 namespace sable {
 
 SaveAuthor SaveAuthor::current(const QString& program)
@@ -14,6 +19,13 @@ SaveAuthor SaveAuthor::current(const QString& program)
     QString user = qEnvironmentVariable("USER");
     if (user.isEmpty())
         user = qEnvironmentVariable("USERNAME");
+#ifdef Q_OS_UNIX
+    // Services and scheduled jobs often run without either variable: the account is still known.
+    if (user.isEmpty()) {
+        if (const passwd* account = getpwuid(geteuid()))
+            user = QString::fromLocal8Bit(account->pw_name);
+    }
+#endif
     return {user, QSysInfo::machineHostName(), program};
 }
 
