@@ -1,5 +1,8 @@
 #include "BenchSupport.h"
 
+#include "db/DbConnection.h"
+#include "db/DbSchema.h"
+
 #include <QFile>
 
 #include <sys/resource.h>
@@ -29,6 +32,22 @@ ChartSize scaledChartSize(const QStringList& arguments)
              &size.userAuthorities})
         *value = std::max(1, static_cast<int>(*value * scale));
     return size;
+}
+
+std::function<DbConnection()> connector(const QString& connectionString)
+{
+    return [connectionString] {
+        DbConnection db;
+        return db.open(connectionString) ? std::move(db) : DbConnection();
+    };
+}
+
+bool createTables(const QString& connectionString)
+{
+    DbConnection db;
+    bool ok = false;
+    return db.open(connectionString + QStringLiteral(";FailIfMissing=False"))
+        && (DbSchema::createMissingTables(db, &ok), ok);
 }
 
 void resetPeakMemory()

@@ -7,7 +7,12 @@
 #include <QStringList>
 #include <QTextStream>
 
+#include <functional>
 #include <utility>
+
+namespace sable {
+class DbConnection;
+}
 
 namespace sable::bench {
 
@@ -18,6 +23,11 @@ void resetPeakMemory();
 
 // The chart size of the benchmarks, times the factor of "--scale F" in `arguments` (1 without it).
 ChartSize scaledChartSize(const QStringList& arguments);
+
+// What a save is handed to connect to the database of `connectionString`.
+std::function<DbConnection()> connector(const QString& connectionString);
+// Creates the chart's tables in the database of `connectionString`, creating the file too.
+bool createTables(const QString& connectionString);
 
 // One measured step: wall time in seconds.
 template <typename F>

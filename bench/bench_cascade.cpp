@@ -42,21 +42,6 @@ constexpr int kRemovedEvery = 20;
 const QStringList kUserTables = {QStringLiteral("SD_Antenna"), QStringLiteral("SD_MyMember"),
     QStringLiteral("SD_MyGroup"), QStringLiteral("SD_LeavedMemo")};
 
-std::function<DbConnection()> connector(const QString& text)
-{
-    return [text] {
-        DbConnection db;
-        return db.open(text) ? std::move(db) : DbConnection();
-    };
-}
-
-bool createTables(const QString& text)
-{
-    DbConnection db;
-    bool ok = false;
-    return db.open(text + QStringLiteral(";FailIfMissing=False")) && (DbSchema::createMissingTables(db, &ok), ok);
-}
-
 bool exec(sqlite3* db, const QByteArray& sql)
 {
     return sqlite3_exec(db, sql.constData(), nullptr, nullptr, nullptr) == SQLITE_OK;

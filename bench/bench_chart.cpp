@@ -32,21 +32,6 @@ public:
     void setPosition(int) override { }
 };
 
-std::function<DbConnection()> connector(const QString& text)
-{
-    return [text] {
-        DbConnection db;
-        return db.open(text) ? std::move(db) : DbConnection();
-    };
-}
-
-bool createTables(const QString& text)
-{
-    DbConnection db;
-    bool ok = false;
-    return db.open(text + QStringLiteral(";FailIfMissing=False")) && (DbSchema::createMissingTables(db, &ok), ok);
-}
-
 // --- The reference: the SQLite C API directly -------------------------------------------------------
 
 void bindText(sqlite3_stmt* statement, int index, const QString& text)
