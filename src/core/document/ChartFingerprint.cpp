@@ -130,9 +130,22 @@ void ChartFingerprint::add(ChartTable table, Key key, const qint64* fields)
         kept[i] = static_cast<qint64>(qHashMulti(0, kept[i], fields[i], t.duplicates));
 }
 
+void ChartFingerprint::reserve(ChartTable table, size_t rows)
+{
+    Table& t = m_tables[tableIndex(table)];
+    t.at.reserve(static_cast<qsizetype>(rows));
+    t.keys.reserve(rows);
+    t.prints.reserve(rows * static_cast<size_t>(ChartFields::count(table)));
+}
+
 ChartFingerprint ChartFingerprint::of(const ChartTables& tables)
 {
+    // The prints of a large chart are kept side by side while a save compares them: sized once,
+    // they take no more than the rows need.
     ChartFingerprint print;
+    print.reserve(ChartTable::Groups, tables.groups.size());
+    print.reserve(ChartTable::Members, tables.members.size());
+    print.reserve(ChartTable::Relations, tables.relations.size());
     qint64 fields[kMaxFields];
     for (const GroupRow& row : tables.groups) {
         printGroup(row, fields);

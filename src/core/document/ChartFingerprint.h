@@ -128,6 +128,8 @@ public:
     void add(ChartTable table, Key key, const qint64* fields);
 
 private:
+    void reserve(ChartTable table, size_t rows);
+
     struct Table
     {
         QHash<Key, qsizetype> at; // where the row's prints begin in `prints`

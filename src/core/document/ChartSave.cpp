@@ -39,7 +39,7 @@ private:
     bool checkBeforeWriting();
     bool writeInTransaction(DbConnection& db);
     void raiseVersion();
-    bool keepRestorePoint(DbConnection& db, const ChartTables& theirs, const ChartFingerprint& theirPrint);
+    bool keepRestorePoint(DbConnection& db, ChartTables& theirs, const ChartFingerprint& theirPrint);
     bool refuse(const QString& why)
     {
         m_result.refusal = why;
@@ -69,17 +69,19 @@ bool Writing::checkBeforeWriting()
     return true;
 }
 
-bool Writing::keepRestorePoint(DbConnection& db, const ChartTables& theirs, const ChartFingerprint& theirPrint)
+bool Writing::keepRestorePoint(DbConnection& db, ChartTables& theirs, const ChartFingerprint& theirPrint)
 {
     std::optional<UserData> userData = ChartStore::readUserData(db, m_doc.deletedMembers());
     if (!userData)
         return false;
-    RestorePoint point {m_savedAt, m_author, ChartDiff::summaryLines(theirPrint.changesTo(m_result.print)), theirs,
-        std::move(*userData)};
+    // The point borrows the rows and gives them back for the journal: a copy would be as large as
+    // the chart itself.
+    RestorePoint point {m_savedAt, m_author, ChartDiff::summaryLines(theirPrint.changesTo(m_result.print)),
+        std::move(theirs), std::move(*userData)};
     QString problem;
-    if (!m_points.write(point, &problem))
-        return refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
-    return true;
+    const bool bWritten = m_points.write(point, &problem);
+    theirs = std::move(point.tables);
+    return bWritten || refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
 }
 
 bool Writing::writeInTransaction(DbConnection& db)

@@ -16,8 +16,13 @@ namespace sable {
 namespace {
 
 template <typename Row, typename Decode>
-bool readAll(DbConnection& connection, const QString& sql, std::vector<Row>& rows, Decode decode)
+bool readAll(DbConnection& connection, const QString& table, const QString& sql, std::vector<Row>& rows, Decode decode)
 {
+    // Sized by the table's count, a large table takes the memory its rows need, not up to twice that.
+    // Only a hint: a failed count leaves the rows to grow as they come.
+    DbRecordset count = connection.execute(QStringLiteral("SELECT COUNT(*) FROM ") + table);
+    if (count.isValid() && !count.isEof())
+        rows.reserve(static_cast<size_t>(std::max(0, count.fieldInt(0))));
     DbRecordset records = connection.execute(sql);
     if (!records.isValid())
         return false;
@@ -54,9 +59,12 @@ ChartTables ChartTables::of(
 std::optional<ChartTables> ChartTables::read(DbConnection& connection)
 {
     ChartTables tables;
-    const bool ok = readAll(connection, ChartStore::membersQuery(), tables.members, &ChartStore::memberAt)
-        && readAll(connection, ChartStore::groupsQuery(), tables.groups, &ChartStore::groupAt)
-        && readAll(connection, ChartStore::relationsQuery(), tables.relations, &ChartStore::relationAt)
+    const bool ok = readAll(connection, QStringLiteral("SD_Member"), ChartStore::membersQuery(), tables.members,
+                        &ChartStore::memberAt)
+        && readAll(
+            connection, QStringLiteral("SD_Group"), ChartStore::groupsQuery(), tables.groups, &ChartStore::groupAt)
+        && readAll(connection, QStringLiteral("SD_Relation"), ChartStore::relationsQuery(), tables.relations,
+            &ChartStore::relationAt)
         && RankStore::load(connection, tables.ranks) && FileBoxStore::load(connection, tables.fileBox)
         && DirectoryLinkStore::load(connection, tables.links);
     if (!ok)
@@ -73,6 +81,7 @@ ChartContents ChartTables::toContents() &&
 {
     ChartContents contents;
     ChartBuilder builder(*contents.chart);
+    builder.reserveMembers(members.size());
     for (MemberRecord& member : members)
         builder.addMember(std::move(member));
     members = {};

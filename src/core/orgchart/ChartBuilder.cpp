@@ -31,6 +31,11 @@ int LoadProblems::total() const
     return sum;
 }
 
+void ChartBuilder::reserveMembers(size_t count)
+{
+    m_chart.reserveMembers(count);
+}
+
 void ChartBuilder::addMember(MemberRecord member)
 {
     if (m_chart.rowOf(member.K_MemberID) >= 0)

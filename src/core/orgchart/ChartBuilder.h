@@ -48,6 +48,8 @@ class ChartBuilder
 public:
     explicit ChartBuilder(OrgChart& target);
 
+    // Room for `count` members, for a caller that knows how many come.
+    void reserveMembers(size_t count);
     void addMember(MemberRecord member);
     void addGroup(const GroupRow& row);
     bool hasGroups() const { return !m_groups.empty(); }

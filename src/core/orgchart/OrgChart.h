@@ -147,6 +147,7 @@ public:
 
     void insertMember(int row, MemberRecord member);
     void appendMemberQuietly(MemberRecord member);
+    void reserveMembers(size_t count) { m_members.reserve(count); }
     MemberRecord takeMember(int row);
     // Removes the members of the ascending `rows` and hands them over in that order.
     std::vector<MemberRecord> takeMembers(const std::vector<int>& rows);
