@@ -14,6 +14,8 @@
 #include "platform/IniFile.h"
 #include "platform/LeadingNumber.h"
 
+#include <future>
+
 namespace sable {
 namespace {
 
@@ -39,7 +41,8 @@ private:
     bool checkBeforeWriting();
     bool writeInTransaction(DbConnection& db);
     void raiseVersion();
-    bool keepRestorePoint(DbConnection& db, ChartTables& theirs, const ChartFingerprint& theirPrint);
+    bool startRestorePoint(DbConnection& db, ChartTables theirs, const ChartFingerprint& theirPrint);
+    bool restorePointWritten();
     bool refuse(const QString& why)
     {
         m_result.refusal = why;
@@ -54,6 +57,9 @@ private:
     const QDateTime m_savedAt;
     const SaveAuthor m_author;
     ChartSave::Written m_result;
+    // Last, so that a save that stops early still waits for its point before the rest goes away.
+    QString m_pointProblem;
+    std::future<bool> m_pointWritten;
 };
 
 bool Writing::checkBeforeWriting()
@@ -69,19 +75,25 @@ bool Writing::checkBeforeWriting()
     return true;
 }
 
-bool Writing::keepRestorePoint(DbConnection& db, ChartTables& theirs, const ChartFingerprint& theirPrint)
+bool Writing::startRestorePoint(DbConnection& db, ChartTables theirs, const ChartFingerprint& theirPrint)
 {
     std::optional<UserData> userData = ChartStore::readUserData(db, m_doc.deletedMembers());
     if (!userData)
         return false;
-    // The point borrows the rows and gives them back for the journal: a copy would be as large as
-    // the chart itself.
+    // Packing a large chart takes about as long as writing it to the database: the point is written
+    // on a thread of its own meanwhile, and the save waits for it before its commit.
     RestorePoint point {m_savedAt, m_author, ChartDiff::summaryLines(theirPrint.changesTo(m_result.print)),
         std::move(theirs), std::move(*userData)};
-    QString problem;
-    const bool bWritten = m_points.write(point, &problem);
-    theirs = std::move(point.tables);
-    return bWritten || refuse(Msg::kSaveRestoreFolderFailed.arg(problem));
+    m_pointWritten = std::async(
+        std::launch::async, [this, point = std::move(point)] { return m_points.write(point, &m_pointProblem); });
+    return true;
+}
+
+bool Writing::restorePointWritten()
+{
+    if (!m_pointWritten.valid())
+        return true;
+    return m_pointWritten.get() || refuse(Msg::kSaveRestoreFolderFailed.arg(m_pointProblem));
 }
 
 bool Writing::writeInTransaction(DbConnection& db)
@@ -94,14 +106,14 @@ bool Writing::writeInTransaction(DbConnection& db)
         m_result.theirs = std::make_shared<const ChartTables>(std::move(*theirs));
         return false;
     }
-    if (!m_with.restoreFolder.isEmpty() && !keepRestorePoint(db, *theirs, theirPrint))
-        return false;
     if (!ChangeJournal::ensureTables(db))
         return refuse(Msg::kSaveJournalFailed.arg(DbConnection::lastError()));
+    // Named before the stored rows go to the restore point.
     const std::vector<RowChange> changes = ChartDiff::between(theirPrint, m_result.print, ChartNames(m_mine, *theirs));
-    if (!ChangeJournal::record(db, m_savedAt, m_author, changes))
+    if (!m_with.restoreFolder.isEmpty() && !startRestorePoint(db, std::move(*theirs), theirPrint))
         return false;
-    if (!ChartSave::writeTables(db, m_doc, m_mine) || !db.commitTrans())
+    if (!ChangeJournal::record(db, m_savedAt, m_author, changes) || !ChartSave::writeTables(db, m_doc, m_mine)
+        || !restorePointWritten() || !db.commitTrans())
         return false;
     raiseVersion();
     return true;
