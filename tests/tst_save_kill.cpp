@@ -1,7 +1,8 @@
 // A save killed with SIGKILL at random moments, on the embedded database and on PostgreSQL: after
 // every kill each table holds wholly the chart before or wholly the chart after, the chart version
 // in the settings file is never ahead of what the database holds, and the next save goes through
-// (no lock of the dead process is left in its way).
+// (no lock of the dead process is left in its way). A save whose restore point cannot be written
+// writes nothing.
 
 #include "TestSupport.h"
 #include "db/DbConnection.h"
@@ -9,11 +10,17 @@
 #include "document/ChartSave.h"
 #include "platform/IniFile.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTest>
 #include <QThread>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <sys/resource.h>
 
 using namespace sable;
 
@@ -99,6 +106,7 @@ private Q_SLOTS:
     void initTestCase();
     void killedSaves_data();
     void killedSaves();
+    void unwritableRestorePointStopsTheSave();
 
 private:
     // Runs the saving program to its end; its exit code, or -1 when it did not end within a minute.
@@ -107,12 +115,14 @@ private:
     TempHome m_home;
     PgServer m_pg;
     QString m_settings;
+    QString m_points;
 };
 
 void TestSaveKill::initTestCase()
 {
     m_pg = PgServer::fromFixture();
     m_settings = m_home.path(QStringLiteral("Serverinfo.ini"));
+    m_points = m_home.path(QStringLiteral("backups"));
     m_home.writeFile(QStringLiteral("chart0.json"), ChartJson::write(chartOf(0, 1500)));
     m_home.writeFile(QStringLiteral("chart1.json"), ChartJson::write(chartOf(1, 1500)));
 }
@@ -120,8 +130,7 @@ void TestSaveKill::initTestCase()
 int TestSaveKill::saveFully(const QString& connection, const QString& chartFile)
 {
     QProcess saver;
-    saver.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    saver.start(QStringLiteral(CHARTSAVER_PATH), {connection, m_settings, chartFile});
+    saver.start(QStringLiteral(CHARTSAVER_PATH), {connection, m_settings, chartFile, m_points});
     if (!saver.waitForFinished(60000)) {
         saver.kill();
         saver.waitForFinished();
@@ -170,7 +179,7 @@ void TestSaveKill::killedSaves()
         const int before = version();
         const int target = 1 - current;
         QProcess saver;
-        saver.start(QStringLiteral(CHARTSAVER_PATH), {db, m_settings, charts[target]});
+        saver.start(QStringLiteral(CHARTSAVER_PATH), {db, m_settings, charts[target], m_points});
         QVERIFY2(saver.waitForStarted(), qPrintable(round));
         if (!saver.waitForFinished(static_cast<int>(random.bounded(longest + longest / 10 + 1)))) {
             saver.kill();
@@ -201,6 +210,39 @@ void TestSaveKill::killedSaves()
     }
     qInfo("%s: %d kills left the chart before, %d the chart after (a save takes about %lld ms)", qPrintable(kind), kept,
         replaced, longest);
+}
+
+void TestSaveKill::unwritableRestorePointStopsTheSave()
+{
+    // The point is packed while the database takes the chart; failing there, it must still stop the
+    // commit. A file-size limit lets the saver write the settings but not the point, and PostgreSQL
+    // keeps the tables out of its reach.
+    SABLE_REQUIRE_FIXTURE(m_pg.isAvailable(), "the PostgreSQL fixture");
+    const QString db = freshDatabase(QStringLiteral("postgresql"), m_home, m_pg);
+    QVERIFY(!db.isEmpty());
+    QCOMPARE(saveFully(db, m_home.path(QStringLiteral("chart0.json"))), 0);
+    const QMap<QString, QStringList> before = tablesOf(db);
+    const IniFile settings(m_settings);
+    const int version = settings.readInt(QStringLiteral("GroupInfo"), QStringLiteral("Version"), 0);
+    const QStringList points = QDir(m_points).entryList(QDir::Files);
+
+    QProcess saver;
+    saver.setChildProcessModifier([] {
+        const rlimit small {16 * 1024, 16 * 1024};
+        setrlimit(RLIMIT_FSIZE, &small);
+        signal(SIGXFSZ, SIG_IGN); // a write past the limit fails instead of killing the saver
+    });
+    saver.start(
+        QStringLiteral(CHARTSAVER_PATH), {db, m_settings, m_home.path(QStringLiteral("chart1.json")), m_points});
+    QVERIFY(saver.waitForFinished(60000));
+    QCOMPARE(saver.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(saver.exitCode(), 1);
+    // The administrator is told why, not that an unknown error happened.
+    const QString said = QString::fromLocal8Bit(saver.readAllStandardError());
+    QVERIFY2(said.contains(QString::fromLocal8Bit(std::strerror(EFBIG))), qPrintable(said));
+    QVERIFY(tablesOf(db) == before);
+    QCOMPARE(settings.readInt(QStringLiteral("GroupInfo"), QStringLiteral("Version"), 0), version);
+    QCOMPARE(QDir(m_points).entryList(QDir::Files), points);
 }
 
 QTEST_GUILESS_MAIN(TestSaveKill)

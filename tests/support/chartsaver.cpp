@@ -1,7 +1,8 @@
 // Saves the chart of a JSON file through the core's save, replacing whatever the database holds,
 // as `sablectl chart import --yes` does, but without a server to tell: the program that
 // tst_save_kill kills in the middle of its save.
-// usage: chartsaver CONNECTION_STRING SETTINGS_FILE CHART_JSON   (exit 0 saved, 1 not saved, 2 usage)
+// usage: chartsaver CONNECTION_STRING SETTINGS_FILE CHART_JSON RESTORE_FOLDER
+//        (exit 0 saved, 1 not saved, 2 usage)
 
 #include "db/DbConnection.h"
 #include "document/Balloon.h"
@@ -22,7 +23,7 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
     QFile file(args.value(3));
-    if (args.size() != 4 || !file.open(QIODevice::ReadOnly))
+    if (args.size() != 5 || !file.open(QIODevice::ReadOnly))
         return 2;
     QString problem;
     const std::optional<ChartTables> tables = ChartJson::readFile(file, &problem);
@@ -46,5 +47,6 @@ int main(int argc, char** argv)
     with.sendChartChangedNotice = [] { return true; };
     with.program = QStringLiteral("chartsaver");
     with.bReplace = true;
+    with.restoreFolder = args[4];
     return ChartSave::run(doc, IniFile(args[2]), with) == ChartSave::Outcome::Saved ? 0 : 1;
 }

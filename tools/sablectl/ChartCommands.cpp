@@ -33,7 +33,7 @@ int exportChart(Context& context, QStringList args)
     }
     // A file that cannot be written whole keeps what it held; the chart holds every user's password.
     QSaveFile file(args.first());
-    if (!PrivateFiles::open(file) || !ChartJson::write(doc.tables(), file) || !file.commit())
+    if (!PrivateFiles::open(file) || !ChartJson::write(doc.tables(), file) || !PrivateFiles::commit(file))
         return context.fail(QStringLiteral("cannot write %1: %2").arg(args.first(), file.errorString()));
     return kSuccess;
 }

@@ -2,6 +2,7 @@
 
 #include "document/ChartFileCheck.h"
 #include "document/JsonSliceReader.h"
+#include "platform/PrivateFiles.h"
 
 #include <QBuffer>
 #include <QIODevice>
@@ -78,8 +79,7 @@ public:
 private:
     void flush()
     {
-        if (m_bOk
-            && m_device.write(m_out.data(), static_cast<qint64>(m_out.size())) != static_cast<qint64>(m_out.size()))
+        if (m_bOk && !PrivateFiles::writeAll(m_device, m_out.data(), static_cast<qint64>(m_out.size())))
             m_bOk = false;
         m_out.clear(); // keeps the capacity for the next rows
     }

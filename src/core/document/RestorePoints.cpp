@@ -172,7 +172,7 @@ bool RestorePoints::write(const RestorePoint& point, QString* problem) const
     // Packed as it is written: the text of a large chart is never held whole beside the chart.
     Gzip::Writer gzip(file);
     if (gzip.write(head) != head.size() || !ChartJson::write(point.tables, gzip) || gzip.write("}\n", 2) != 2
-        || !gzip.finish() || !file.commit()) {
+        || !gzip.finish() || !PrivateFiles::commit(file)) {
         *problem = file.fileName() + QStringLiteral(": ") + file.errorString();
         return false;
     }

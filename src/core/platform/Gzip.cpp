@@ -1,5 +1,7 @@
 #include "platform/Gzip.h"
 
+#include "platform/PrivateFiles.h"
+
 #include <QBuffer>
 #include <QFile>
 
@@ -86,7 +88,7 @@ bool Writer::deflateInto(int flush)
         z.avail_out = static_cast<uInt>(kChunk);
         status = deflate(&z, flush);
         const qint64 produced = kChunk - static_cast<qint64>(z.avail_out);
-        if (status == Z_STREAM_ERROR || m_target.write(m_stream->out.constData(), produced) != produced)
+        if (status == Z_STREAM_ERROR || !PrivateFiles::writeAll(m_target, m_stream->out.constData(), produced))
             return m_bOk = false;
     } while (z.avail_out == 0 || (flush == Z_FINISH && status != Z_STREAM_END));
     return true;

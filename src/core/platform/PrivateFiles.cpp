@@ -44,4 +44,21 @@ bool open(QSaveFile& file)
     return existed || file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
 
+bool writeAll(QIODevice& device, const char* data, qint64 size)
+{
+    while (size > 0) {
+        const qint64 written = device.write(data, size);
+        if (written <= 0)
+            return false;
+        data += written;
+        size -= written;
+    }
+    return true;
+}
+
+bool commit(QSaveFile& file)
+{
+    return file.flush() && file.error() == QFileDevice::NoError && file.commit();
+}
+
 } // namespace sable::PrivateFiles

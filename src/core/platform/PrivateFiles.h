@@ -2,6 +2,7 @@
 
 #include <QString>
 
+class QIODevice;
 class QSaveFile;
 
 // Settings, exports and logs hold passwords and the users' personal data: what the programs create
@@ -18,5 +19,13 @@ bool createEmpty(const QString& path);
 
 // Opens `file` for writing; a file that does not exist yet will be created for its owner only.
 bool open(QSaveFile& file);
+
+// Writes the whole of `data`; false when the device takes less. A file that takes only part of it
+// (a disk filling up) says why only when asked for the rest, so the rest is asked for.
+bool writeAll(QIODevice& device, const char* data, qint64 size);
+
+// Replaces the file by what was written to `file`, or leaves it as it was. The last buffered bytes
+// are written and checked first: committing alone keeps a file cut short when they do not fit.
+bool commit(QSaveFile& file);
 
 } // namespace sable::PrivateFiles

@@ -1,5 +1,6 @@
 #include "server/UpgradeDownload.h"
 
+#include "platform/PrivateFiles.h"
 #include "platform/ProcessLauncher.h"
 
 #include <QDir>
@@ -50,7 +51,9 @@ void UpgradeDownload::done()
         return;
     }
     QSaveFile file(targetPath());
-    if (!file.open(QIODevice::WriteOnly) || file.write(reply->readAll()) < 0 || !file.commit()) {
+    const QByteArray bytes = reply->readAll();
+    if (!file.open(QIODevice::WriteOnly) || !PrivateFiles::writeAll(file, bytes.constData(), bytes.size())
+        || !PrivateFiles::commit(file)) {
         Q_EMIT finished(file.errorString());
         return;
     }

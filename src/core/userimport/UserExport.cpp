@@ -80,7 +80,8 @@ bool writeFile(const OrgChart& chart, const RankList& ranks, const QString& path
     QSaveFile file(path);
     const QByteArray bytes = csv(chart, ranks);
     // Passwords are among the columns.
-    if (!PrivateFiles::open(file) || file.write(bytes) != bytes.size() || !file.commit()) {
+    if (!PrivateFiles::open(file) || !PrivateFiles::writeAll(file, bytes.constData(), bytes.size())
+        || !PrivateFiles::commit(file)) {
         *error = Msg::kExportCannotWrite.arg(path, file.errorString());
         return false;
     }
