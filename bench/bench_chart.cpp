@@ -17,12 +17,15 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <limits>
 #include <sqlite3.h>
 
 using namespace sable;
 using namespace sable::bench;
 
 namespace {
+
+constexpr int kPgRuns = 3;
 
 class NoProgress final : public LoadProgress
 {
@@ -274,21 +277,33 @@ int main(int argc, char** argv)
         replace.bReplace = true;
         first = ChartSave::Outcome::DatabaseFailed;
         const double pgFirst = timeIt([&] { first = ChartSave::run(doc, settings, replace); });
-        doc.setModified(true);
+        if (!saved(out, "postgresql", first))
+            return 1;
+        // A server on the same cores answers with a spread of a third: the best of a few runs of each,
+        // ours and the reference alike.
         with.connect = replace.connect;
         resetPeakMemory();
-        second = ChartSave::Outcome::DatabaseFailed;
-        const double pgSave = timeIt([&] { second = ChartSave::run(doc, settings, with); });
+        double pgSave = std::numeric_limits<double>::max();
+        for (int run = 0; run < kPgRuns; ++run) {
+            doc.setModified(true);
+            second = ChartSave::Outcome::DatabaseFailed;
+            pgSave = std::min(pgSave, timeIt([&] { second = ChartSave::run(doc, settings, with); }));
+            if (!saved(out, "postgresql", second))
+                return 1;
+        }
         const double pgMemory = peakMemoryMiB();
-        if (!saved(out, "postgresql", first) || !saved(out, "postgresql", second))
-            return 1;
         QTemporaryDir copies;
-        const double reference = dumpTables(pg, copies) ? referenceCopy(pg, copies) : -1;
+        double reference = dumpTables(pg, copies) ? std::numeric_limits<double>::max() : -1;
+        for (int run = 0; run < kPgRuns && reference >= 0; ++run) {
+            const double once = referenceCopy(pg, copies);
+            reference = once < 0 ? -1 : std::min(reference, once);
+        }
         if (reference < 0) {
             out << "psql \\copy failed" << Qt::endl;
             return 1;
         }
         out << QStringLiteral("postgresql     save (empty) %1 s\n").arg(pgFirst, 0, 'f', 3);
+        out << QStringLiteral("best of %1 runs each:\n").arg(kPgRuns);
         report(out, "pg save (repl)", pgSave, reference, rows, pgMemory);
     }
     return 0;
